@@ -39,7 +39,7 @@ struct ConnectionHooks {
 // "Already connected" (when showMessages) and bConnected = true. OpenDevice failing:
 // "Could not open MCA: " + ErrorText, or "Could not open MCA" for success without a
 // handle (critical, only when showMessages). On success: id 23 = 256, ReadDeviceInfo
-// (which reports its own failures), ReadAllParams, szDevicePath = path, then the
+// (which reports its own failures), ReadAllParams, then the
 // settings controls, spectrum/status and main window (code 1) are refreshed and the
 // refresh timer enabled. `name` is the list's device name; the device's own name read
 // back by ReadDeviceInfo is what the record keeps.

@@ -75,6 +75,8 @@ struct AppSettings {
 
     // BATCH
     std::string BatchDataDir;
+
+    bool operator==(const AppSettings&) const = default;
 };
 
 // The main window's placement in screen pixels (section FORM).
@@ -85,6 +87,8 @@ struct FormLocation {
     int32_t Width = 1000;
     int32_t Height = 600;
     int32_t State = 0; // 0 normal, 1 minimised, 2 maximised
+
+    bool operator==(const FormLocation&) const = default;
 };
 
 // `appDir` with the native separator appended when missing, then "Vexo.ini".

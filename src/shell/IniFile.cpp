@@ -2,6 +2,7 @@
 
 #include "shell/TextFile.h"
 
+#include <fstream>
 #include <system_error>
 
 namespace vexo {
@@ -108,6 +109,27 @@ std::string FitList(const std::vector<std::string>& items, std::size_t size) {
     return list;
 }
 
+// Overwrites the file's bytes in place and then cuts it to length. Truncating to zero
+// first (as a plain rewrite does) makes ext4 force the data to disk at close, its guard
+// for files replaced by truncation, and that cost milliseconds for each of the forty-odd
+// key writes of one settings save.
+bool WriteInPlace(const std::filesystem::path& path, const std::string& bytes) {
+    std::fstream out(path, std::ios::in | std::ios::out | std::ios::binary);
+    if (!out.is_open()) {
+        std::ofstream created(path, std::ios::binary); // the file did not exist
+        created.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        created.close();
+        return !created.fail();
+    }
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (out.fail())
+        return false;
+    std::error_code ec;
+    std::filesystem::resize_file(path, bytes.size(), ec);
+    return !ec;
+}
+
 } // namespace
 
 IniFile IniFile::FromText(std::string_view ansiText) {
@@ -125,10 +147,12 @@ std::optional<IniFile> IniFile::Load(const std::filesystem::path& path) {
 }
 
 bool IniFile::save(const std::filesystem::path& path) const {
-    TextFileWriter writer;
-    for (const auto& line : m_lines)
-        writer.line(Win1252ToUtf8(line));
-    return writer.save(path);
+    std::string bytes; // the lines are Windows-1252 already
+    for (const auto& line : m_lines) {
+        bytes.append(line);
+        bytes.append("\r\n");
+    }
+    return WriteInPlace(path, bytes);
 }
 
 std::optional<IniFile::SectionSpan> IniFile::findSection(std::string_view name) const {

@@ -10,11 +10,12 @@
 // intermediates follow the same rule throughout:
 //   - sums and differences of counts are 32-bit and overflow-checked;
 //   - channel counters and the channel count n are 16-bit and overflow-checked;
-//   - every mixed integer/float expression is evaluated in 64-bit floating point and
-//     narrowed once to a 32-bit float where the value is held as a float (centroid c,
-//     background at the centroid bc, height h, half level H, crossings xL/xR, width F);
-//     a finite double beyond float range is an OverflowError, an infinite or NaN result
-//     or a division by zero a FloatingPointError;
+//   - every mixed integer/float expression is evaluated in 64-bit floating point; the
+//     values defined as floats are narrowed where they are formed (centroid c, background
+//     per channel b1, the rates, BkgAtPosition and its four averaged sums), the others
+//     (height h, half level H, crossings xL/xR, width F, energies) stay in double until
+//     they are stored. A finite double beyond float range is an OverflowError, an
+//     infinite or NaN result or a division by zero a FloatingPointError;
 //   - float-to-integer conversions round to nearest, ties to even, range-checked.
 
 namespace vexo {
@@ -133,11 +134,11 @@ int32_t TotalBackground(int32_t L, int32_t R, int32_t bL, int32_t bR) {
 // `x` stays 0 when the search finds no crossing at all.
 struct Crossing {
     bool flat = false;
-    float x = 0.0f;
+    double x = 0.0;
 };
 
 // Linear interpolation of the half level between channels a = j - 2 and b = j - 1.
-Crossing InterpolateCrossing(const CountsView& y, int32_t j, float H) {
+Crossing InterpolateCrossing(const CountsView& y, int32_t j, double H) {
     const int32_t a = j - 2;
     const int32_t ya = y.at(a);
     const int32_t yb = y.at(static_cast<int64_t>(j) - 1);
@@ -147,16 +148,16 @@ Crossing InterpolateCrossing(const CountsView& y, int32_t j, float H) {
         return c;
     }
     const double step = static_cast<double>(SubChecked(yb, ya));
-    c.x = CSng(a + Divide(static_cast<double>(H) - ya, step));
+    c.x = a + Divide(H - ya, step);
     return c;
 }
 
 // Step 11.5: first j in L..floor(c)+10 (j >= 1) with y(j-1) >= H.
-Crossing LeftCrossing(const CountsView& y, int32_t L, int32_t k, float H) {
+Crossing LeftCrossing(const CountsView& y, int32_t L, int32_t k, double H) {
     const int16_t first = NarrowInt16(L);
     const int16_t last = NarrowInt16(static_cast<int64_t>(k) + 10);
     for (int32_t j = first; j <= last; ++j) {
-        if (j >= 1 && static_cast<double>(y.at(j - 1)) >= H)
+        if (j >= 1 && y.at(j - 1) >= H)
             return InterpolateCrossing(y, j, H);
         if (j == kInt16Max) // the 16-bit counter cannot step past 32767
             throw OverflowError();
@@ -165,11 +166,11 @@ Crossing LeftCrossing(const CountsView& y, int32_t L, int32_t k, float H) {
 }
 
 // Step 11.6: first j in floor(c)..R (j <= Ub - 1) with y(j-1) <= H.
-Crossing RightCrossing(const CountsView& y, int32_t k, int32_t R, float H) {
+Crossing RightCrossing(const CountsView& y, int32_t k, int32_t R, double H) {
     const int16_t first = NarrowInt16(k);
     const int16_t last = NarrowInt16(R);
     for (int32_t j = first; j <= last; ++j) {
-        if (j <= y.ub() - 1 && static_cast<double>(y.at(static_cast<int64_t>(j) - 1)) <= H)
+        if (j <= y.ub() - 1 && y.at(static_cast<int64_t>(j) - 1) <= H)
             return InterpolateCrossing(y, j, H);
         if (j == kInt16Max)
             throw OverflowError();
@@ -177,30 +178,31 @@ Crossing RightCrossing(const CountsView& y, int32_t k, int32_t R, float H) {
     return {};
 }
 
-// Step 11: net height at the centroid and FWHM in channels.
+// Step 11: net height at the centroid and FWHM in channels, in double; they become
+// floats only when stored.
 struct PeakShape {
     bool flat = false; // a crossing met two equal counts
-    float h = 0.0f;    // estimated net intensity
-    float F = 0.0f;    // FWHM, channels
+    double h = 0.0;    // estimated net intensity
+    double F = 0.0;    // FWHM, channels
 };
 
 PeakShape MeasurePeak(const CountsView& y, int32_t L, int32_t R, float c) {
     PeakShape p;
     const int32_t k = FloorToInt32(c);
-    const float bc = BkgAtPosition(L, R, 2, c, y.data(), static_cast<std::size_t>(y.ub() + 1));
+    const double bc = BkgAtPosition(L, R, 2, c, y.data(), static_cast<std::size_t>(y.ub() + 1));
     // Interpolation between y(k) and y(k+1) written as the program forms it; the array is
     // indexed with k on the plus-one centroid scale.
     const double cd = c;
     const double r = Divide(k - cd, k + 1.0 - cd);
     const double yk = y.at(k);
     const double yk1 = y.at(static_cast<int64_t>(k) + 1);
-    p.h = CSng(Divide((yk - bc) - (yk1 - bc) * r, 1.0 - r));
-    if (p.h < 0.0f)
-        p.h = 0.0f;
-    if (p.h <= 0.0f)
+    p.h = Divide((yk - bc) - (yk1 - bc) * r, 1.0 - r);
+    if (p.h < 0.0)
+        p.h = 0.0;
+    if (p.h <= 0.0)
         return p;
-    // Midpoint between the net height and the background level, held as a float.
-    const float H = CSng((static_cast<double>(p.h) - bc) / 2.0 + bc);
+    // Midpoint between the net height and the background level.
+    const double H = (p.h - bc) / 2.0 + bc;
     const Crossing left = LeftCrossing(y, L, k, H);
     if (left.flat) {
         p.flat = true;
@@ -211,7 +213,7 @@ PeakShape MeasurePeak(const CountsView& y, int32_t L, int32_t R, float c) {
         p.flat = true;
         return p;
     }
-    p.F = CSng(static_cast<double>(right.x) - left.x);
+    p.F = CheckFinite(right.x - left.x);
     return p;
 }
 
@@ -283,10 +285,12 @@ bool clsROI::bComputeROI(float sTime, int16_t& nBkgChn, const int32_t* lCounts,
         return false;
 
     // Step 12: the width in energy is taken between whole channels (ties to even).
-    const double halfF = static_cast<double>(peak.F) / 2.0;
+    const double halfF = peak.F / 2.0;
     const double fwhmEn = ChannelToEnergy(CLng(c + halfF), cal) - ChannelToEnergy(CLng(c - halfF), cal);
     const float sCentEn = CSng(ChannelToEnergy(CLng(c), cal));
     const float sFWHMen = CSng(CheckFinite(fwhmEn));
+    const float sCentInt = CSng(peak.h);
+    const float sFWHMch = CSng(peak.F);
     // Step 14 reads the centroid energy and the width through the read rule; it is worked
     // out before anything is stored so that a fault leaves every result as it was.
     const float readFWHMen = sFWHMen > 0.0f ? sFWHMen : 0.0f;
@@ -300,8 +304,8 @@ bool clsROI::bComputeROI(float sTime, int16_t& nBkgChn, const int32_t* lCounts,
     m_nChnMax = sw.chnMax;
     m_sCentCh = c;
     m_sCentEn = sCentEn;
-    m_sCentInt = peak.h;
-    m_sFWHMch = peak.F;
+    m_sCentInt = sCentInt;
+    m_sFWHMch = sFWHMch;
     m_sFWHMen = sFWHMen;
     m_sFWHMp = sFWHMp;
     m_sIntCps = out.sIntRate;

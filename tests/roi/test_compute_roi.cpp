@@ -105,11 +105,12 @@ TEST(ComputeRoi, TriangularPeakOnFlatBackground) {
 //   bL = 10, bR = 20, B = round(12 x 30 / 2) = 180, N = 205, b1 = 18.
 //   bc: YL = 10 at XL = 98.5, YR = 20 at XR = 110.5:
 //       bc = 10 + (c - 98.5) x 10/12 = 15.923163.
-//   k = 105, f = 0.6077957: h = (1-f)(80 - bc) + f(40 - bc) = 39.765007.
+//   bc is a float: 15.923163. k = 105, f = 0.6077957:
+//   h = (1-f)(80 - bc) + f(40 - bc) = 39.765008.
 //   H = (h - bc)/2 + bc = 27.844086.
-//   Left: y(103) = 60 is the first >= H -> xL = 102 + (H - 20)/40 = 102.196106.
-//   Right: y(107) = 22 is the first <= H -> xR = 106 + (H - 40)/(22 - 40) = 106.675331.
-//   F = 4.479225; round(c + F/2 = 107.847) = 108, round(c - F/2 = 103.368) = 103:
+//   Left: y(103) = 60 is the first >= H -> xL = 102 + (H - 20)/40 = 102.196102.
+//   Right: y(107) = 22 is the first <= H -> xR = 106 + (H - 40)/(22 - 40) = 106.675329.
+//   F = 4.479226; round(c + F/2 = 107.847) = 108, round(c - F/2 = 103.368) = 103:
 //   5 channels = 12.5 keV. Centroid energy E(106) = 265; FWHM% = 1250/265.
 TEST(ComputeRoi, SkewedPeakOnSlopedBackground) {
     Spectrum s;
@@ -126,8 +127,8 @@ TEST(ComputeRoi, SkewedPeakOnSlopedBackground) {
     EXPECT_EQ(roi.lNET(), 205);
     EXPECT_EQ(roi.sBkgVal(), 18);
     EXPECT_FLOAT_EQ(roi.sCentCh(), static_cast<float>(40659.0 / 385.0));
-    EXPECT_NEAR(roi.sCentInt(), 39.765007, 2e-5);
-    EXPECT_NEAR(roi.sFWHMch(), 4.479225, 2e-5);
+    EXPECT_FLOAT_EQ(roi.sCentInt(), 39.765008f);
+    EXPECT_FLOAT_EQ(roi.sFWHMch(), 4.479226f);
     EXPECT_FLOAT_EQ(roi.sFWHMen(), 12.5f);
     EXPECT_FLOAT_EQ(roi.sCentEn(), 265.0f);
     EXPECT_FLOAT_EQ(roi.sFWHMp(), static_cast<float>(1250.0 / 265.0));

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "device/DeviceIO.h"
+#include "shell/TextFile.h"
 
 namespace vexo {
 
@@ -35,8 +36,8 @@ void OpenMca(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
         doc.bConnected = true;
         return;
     }
-    // Paths are kept as the library reported them, already in its single-byte code page.
-    const int32_t status = lib.openDevice(path, doc.hDevice);
+    // The program keeps text as UTF-8; the library takes its own single-byte code page.
+    const int32_t status = lib.openDevice(Utf8ToWin1252(path), doc.hDevice);
     if (status != 0) {
         if (showMessages)
             messages.critical("Could not open MCA: " + ErrorText(status));

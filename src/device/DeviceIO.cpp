@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "shell/Rounding.h"
+#include "shell/TextFile.h"
 
 namespace vexo {
 
@@ -20,7 +21,7 @@ void ReadIdentityText(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messa
     const int32_t status = lib.getParam(doc.hDevice, id, buffer, KORVHW_PARAM_TEXT_BYTES);
     if (status != 0)
         messages.critical(ErrorText(status));
-    field.assign(buffer, strnlen(buffer, KORVHW_PARAM_TEXT_BYTES));
+    field = Win1252ToUtf8(std::string_view(buffer, strnlen(buffer, KORVHW_PARAM_TEXT_BYTES)));
 }
 
 bool IsLegacyGpioModel(const std::string& model) {

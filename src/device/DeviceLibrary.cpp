@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "shell/AppDir.h"
+#include "shell/TextFile.h"
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -17,8 +18,9 @@ namespace vexo {
 
 namespace {
 
+// The library's single-byte text up to the first zero byte, as UTF-8.
 std::string CutAtZero(const char* buffer, std::size_t capacity) {
-    return std::string(buffer, strnlen(buffer, capacity));
+    return Win1252ToUtf8(std::string_view(buffer, strnlen(buffer, capacity)));
 }
 
 #if defined(_WIN32)

@@ -48,7 +48,7 @@ struct KorvhwFunctions {
 };
 
 // One row of the library's device list as GetDeviceInfo reports it (texts cut at the
-// first zero byte, not trimmed).
+// first zero byte, converted from the library's Windows-1252 to UTF-8, not trimmed).
 struct DeviceInfoResult {
     int32_t status = 0; // library status, 0 = success
     std::string path;
@@ -97,6 +97,7 @@ public:
     // FindDevicesEx: the number of devices found so far when not negative).
     int32_t findDevicesEx(int32_t reserved, int32_t maxDevices, bool restart);
     DeviceInfoResult getDeviceInfo(int32_t index);
+    // `ansiPath` in the library's code page (Windows-1252), see Utf8ToWin1252.
     int32_t openDevice(const std::string& ansiPath, int32_t& handle);
     int32_t closeDevice(int32_t handle);
     int32_t getParam(int32_t handle, DeviceParamId id, void* buffer, int32_t size);

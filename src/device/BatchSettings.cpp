@@ -1,0 +1,114 @@
+#include "device/BatchSettings.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+#include "shell/DateTime.h"
+#include "shell/ExternalProcessing.h"
+
+namespace vexo {
+namespace {
+
+const char* const kFolderMessage =
+    "Please enter an existing subdirectory to store the spectra of the Batch";
+const char* const kFolderMissingMessage = "Sub-directory not found";
+const char* const kCountMessage = "Please enter a value for the number of measurements in the Batch";
+const char* const kWaitMessage =
+    "Please enter a value for the waiting interval time between measurements in the Batch";
+
+std::string Trimmed(const std::string& text) {
+    const auto first = text.find_first_not_of(" \t");
+    if (first == std::string::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+// A whole number of digits only (the fields filter other keys) within 0..maximum.
+std::optional<int64_t> WholeNumber(const std::string& text, int64_t maximum) {
+    const std::string t = Trimmed(text);
+    if (t.empty() || t.size() > 10)
+        return std::nullopt;
+    int64_t value = 0;
+    for (char c : t) {
+        if (c < '0' || c > '9')
+            return std::nullopt;
+        value = value * 10 + (c - '0');
+    }
+    if (value > maximum)
+        return std::nullopt;
+    return value;
+}
+
+bool FolderExists(const std::string& folder) {
+    std::error_code ec;
+    return std::filesystem::is_directory(std::filesystem::path(folder), ec);
+}
+
+std::optional<BatchFieldError> CheckCount(const BatchWindowFields& f) {
+    if (f.untilStop)
+        return std::nullopt;
+    const auto n = WholeNumber(f.count, 32767);
+    if (!n || *n < 1)
+        return BatchFieldError{BatchField::Count, kCountMessage};
+    return std::nullopt;
+}
+
+std::optional<BatchFieldError> CheckWait(const BatchWindowFields& f) {
+    if (f.waitChecked && !WholeNumber(f.wait, 2147483647))
+        return BatchFieldError{BatchField::Wait, kWaitMessage};
+    return std::nullopt;
+}
+
+} // namespace
+
+std::string BatchFileName(const BatchSettings& settings, const std::string& sampleId,
+                          int16_t index, double now) {
+    std::string name = WithSeparator(settings.szBatchDir);
+    name += settings.bNameSampleID ? sampleId + "_" : std::string("Vexo_");
+    if (settings.bNameTimeDate)
+        name += FormatSerial(now, "yyyymmdd") + "_" + FormatSerial(now, "HhNnSs") + "_";
+    if (settings.bNameTag)
+        name += settings.szBatchTag + "_";
+    char counter[16];
+    std::snprintf(counter, sizeof(counter), "%04d", static_cast<int>(index));
+    return name + counter + ".SPE";
+}
+
+std::optional<BatchFieldError> ValidateBatchField(BatchField field, const BatchWindowFields& f) {
+    switch (field) {
+    case BatchField::Folder:
+        if (Trimmed(f.folder).empty() || !FolderExists(Trimmed(f.folder)))
+            return BatchFieldError{BatchField::Folder, kFolderMessage};
+        return std::nullopt;
+    case BatchField::Count:
+        return CheckCount(f);
+    case BatchField::Wait:
+        return CheckWait(f);
+    }
+    return std::nullopt;
+}
+
+std::optional<BatchFieldError> ValidateBatchStart(const BatchWindowFields& f) {
+    const std::string folder = Trimmed(f.folder);
+    if (folder.empty())
+        return BatchFieldError{BatchField::Folder, kFolderMessage};
+    if (!FolderExists(folder))
+        return BatchFieldError{BatchField::Folder, kFolderMissingMessage};
+    if (auto e = CheckCount(f))
+        return e;
+    return CheckWait(f);
+}
+
+BatchSettings BatchSettingsFromFields(const BatchWindowFields& f, BatchSettings base) {
+    base.szBatchDir = Trimmed(f.folder);
+    if (const auto n = WholeNumber(f.count, 32767))
+        base.nBatchCount = static_cast<int16_t>(*n);
+    if (const auto w = WholeNumber(f.wait, 2147483647))
+        base.lBatchWait = static_cast<int32_t>(*w);
+    base.bBatchWait = f.waitChecked;
+    base.bBatchUntilStop = f.untilStop;
+    return base;
+}
+
+} // namespace vexo

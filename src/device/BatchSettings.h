@@ -1,0 +1,65 @@
+#pragma once
+// What a batch is asked to do, how its files are named, and the batch window's checks
+// of its field texts (the window shows the answer; the rules live here).
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace vexo {
+
+// The batch window's choices.
+struct BatchSettings {
+    std::string szBatchDir;       // folder for the spectra
+    int16_t nBatchCount = 1;      // number of measurements (ignored with bBatchUntilStop)
+    int32_t lBatchWait = 0;       // waiting interval, whole seconds
+    bool bBatchWait = false;      // wait between measurements
+    bool bBatchClear = false;     // clear the spectrum between measurements
+    bool bBatchProc = false;      // run the external processing command after each save
+    bool bBatchUntilStop = false; // run until the user stops
+    bool bNameTimeDate = false;   // "yyyymmdd_HHMMSS_" in the file name
+    bool bNameTag = false;        // szBatchTag + "_" in the file name
+    bool bNameSampleID = false;   // the spectrum ID + "_" instead of "Vexo_"
+    std::string szBatchTag;
+};
+
+// File name of measurement `index` (counted from 1): the folder with the native
+// separator appended when it is not empty and lacks one; the sample ID + "_" or
+// "Vexo_"; the saving time "yyyymmdd_HHMMSS_" (serial date-time `now`) when asked; the
+// tag + "_" when asked; the index as at least four digits; ".SPE".
+std::string BatchFileName(const BatchSettings& settings, const std::string& sampleId,
+                          int16_t index, double now);
+
+// The batch window's fields, as typed.
+struct BatchWindowFields {
+    std::string folder;
+    std::string count;
+    std::string wait;
+    bool waitChecked = false;
+    bool untilStop = false;
+};
+
+enum class BatchField { Folder, Count, Wait };
+
+// The first problem found, for a message box titled "Batch Settings" (exclamation icon)
+// with the focus put back on `field`.
+struct BatchFieldError {
+    BatchField field;
+    std::string message;
+};
+
+constexpr const char* kBatchSettingsTitle = "Batch Settings";
+
+// Check of one field when the user leaves it. The folder must name an existing folder;
+// the count must be a whole number 1..32767 unless the batch runs until stopped; the
+// wait must be a whole number 0..2147483647 when waiting is ticked.
+std::optional<BatchFieldError> ValidateBatchField(BatchField field, const BatchWindowFields& f);
+
+// Check of the whole window when Start is pressed: folder, count, wait in that order.
+// An empty folder and a folder that does not exist get different messages here.
+std::optional<BatchFieldError> ValidateBatchStart(const BatchWindowFields& f);
+
+// Settings from fields that passed ValidateBatchStart; other members of `base` (naming
+// choices, tag, clear and process flags) are kept. Unparsable numbers keep base values.
+BatchSettings BatchSettingsFromFields(const BatchWindowFields& f, BatchSettings base);
+
+} // namespace vexo

@@ -1,0 +1,208 @@
+// The external processing command: names, placeholders, argument splitting and a real
+// program started without a shell.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "TestSupport.h"
+#include "shell/DateTime.h"
+#include "shell/ExternalProcessing.h"
+#include "shell/ProgramLauncher.h"
+#include "spectrum/SpectrumFile.h"
+
+using namespace vexo;
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kSep(1, static_cast<char>(fs::path::preferred_separator));
+const double kNow = SerialFromParts({2024, 11, 7, 14, 5, 9});
+
+// Keeps the test process's current folder whatever the command does to it.
+struct FolderGuard {
+    fs::path saved = fs::current_path();
+    ~FolderGuard() { fs::current_path(saved); }
+};
+
+bool WaitForFile(const fs::path& path) {
+    for (int i = 0; i < 500; ++i) {
+        if (fs::exists(path) && fs::file_size(path) > 0)
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
+
+SpectrumDocument SmallSpectrum() {
+    SpectrumDocument doc;
+    doc.lChannels = 256;
+    for (int i = 0; i < 256; ++i)
+        doc.lCounts[i] = i;
+    doc.sngLiveTime = 10.0f;
+    doc.sngRealTime = 11.0f;
+    doc.szSpectrumID = "proc";
+    return doc;
+}
+
+} // namespace
+
+TEST(ProcessPlan, FileNameTemplates) {
+    ProcessSettings s;
+    s.szDataDir = "/data";
+    struct Case {
+        std::string templ, expected;
+    };
+    const Case cases[] = {
+        {"", "20241107_140509.spe"},
+        {"run_%T_%T", "run_20241107_140509_20241107_140509.spe"},
+        {"sample.v1", "sample.v1"},
+        {"a.%T", "a.20241107_140509"},
+        {"%t", "%t.spe"}, // placeholders are case-sensitive
+    };
+    for (const auto& c : cases) {
+        s.szFileName = c.templ;
+        EXPECT_EQ(PlanProcessing(s, "/prog", kNow).fileName, c.expected) << c.templ;
+    }
+}
+
+TEST(ProcessPlan, FoldersAndArguments) {
+    ProcessSettings s;
+    s.szDataDir = "/data";
+    s.szFileName = "x";
+    s.szProgram = "tool";
+    s.szArguments = "-i %D%F -o %D%F.out %f";
+    ProcessPlan p = PlanProcessing(s, "/prog", kNow);
+    EXPECT_EQ(p.dataFolder, "/data" + kSep);
+    EXPECT_EQ(p.spectrumPath, "/data" + kSep + "x.spe");
+    EXPECT_EQ(p.arguments, "-i /data" + kSep + "x.spe -o /data" + kSep + "x.spe.out %f");
+    EXPECT_EQ(p.commandLine, "tool " + p.arguments);
+    EXPECT_EQ(p.workingFolder, "/prog"); // empty StartupDir: the program's folder, not D
+
+    s.szStartupDir = "%Dwork";
+    s.szDataDir = "/data" + kSep; // already ends in the separator: not doubled
+    p = PlanProcessing(s, "/prog", kNow);
+    EXPECT_EQ(p.workingFolder, "/data" + kSep + "work");
+
+    s.szDataDir = "";
+    p = PlanProcessing(s, "/prog", kNow);
+    EXPECT_EQ(p.dataFolder, "/prog" + kSep);
+}
+
+TEST(ReplaceAll, EveryOccurrenceEvenWhenTheReplacementHoldsThePlaceholder) {
+    EXPECT_EQ(ReplaceAll("%F-%F", "%F", "a%Fb"), "a%Fb-a%Fb");
+    EXPECT_EQ(ReplaceAll("none", "%F", "x"), "none");
+    EXPECT_EQ(ReplaceAll("", "%F", "x"), "");
+}
+
+TEST(SplitCommandLine, QuotesGroupAndAreRemoved) {
+    using V = std::vector<std::string>;
+    EXPECT_EQ(SplitCommandLine("prog a b"), (V{"prog", "a", "b"}));
+    EXPECT_EQ(SplitCommandLine("  prog\t a   "), (V{"prog", "a"}));
+    EXPECT_EQ(SplitCommandLine("\"/my tools/prog\" -i \"C:\\my data\\x.spe\""),
+              (V{"/my tools/prog", "-i", "C:\\my data\\x.spe"}));
+    EXPECT_EQ(SplitCommandLine("a\"b c\"d e"), (V{"ab cd", "e"}));
+    EXPECT_EQ(SplitCommandLine("x \"\" y"), (V{"x", "", "y"}));
+    EXPECT_EQ(SplitCommandLine("\"say \"\"hi\"\"\""), (V{"say \"hi\""}));
+    EXPECT_EQ(SplitCommandLine("'single quotes' stay"), (V{"'single", "quotes'", "stay"}));
+    EXPECT_TRUE(SplitCommandLine("").empty());
+    EXPECT_TRUE(SplitCommandLine("   ").empty());
+}
+
+TEST(ExternalProcessing, DisabledDoesNothing) {
+    test::TempDir dir;
+    ScriptedMessages messages;
+    ProcessSettings s;
+    s.szDataDir = dir.path().string();
+    s.szProgram = "/bin/true";
+    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
+    EXPECT_EQ(outcome.status, ProcessStatus::Disabled);
+    EXPECT_TRUE(fs::is_empty(dir.path()));
+    EXPECT_TRUE(messages.shown().empty());
+}
+
+TEST(ExternalProcessing, SavesThenStartsTheProgramInItsFolderWithoutAShell) {
+    test::TempDir dir;
+    FolderGuard guard;
+    const fs::path before = fs::current_path();
+    ScriptedMessages messages;
+    ProcessSettings s;
+    s.bEnableExtProcessing = true;
+    s.szDataDir = dir.path().string();
+    s.szFileName = "run_%T";
+    s.szProgram = "/bin/sh";
+    // The script writes its arguments into the working folder; $0 is the first one.
+    s.szArguments = "-c \"echo \"\"$0|$1\"\" > out.txt\" %F \"%D\"";
+    s.szStartupDir = "%Dwork";
+    fs::create_directory(dir.path() / "work");
+
+    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
+    ASSERT_EQ(outcome.status, ProcessStatus::Started) << (messages.shown().empty() ? "" : messages.shown()[0].text);
+    EXPECT_TRUE(messages.shown().empty());
+    EXPECT_EQ(fs::current_path(), before); // changed back after starting
+
+    SpectrumDocument back;
+    ASSERT_TRUE(bReadFullSpectrum(back, dir.path() / "run_20241107_140509.spe"));
+    EXPECT_EQ(back.lCounts[100], 100);
+
+    const fs::path out = dir.path() / "work" / "out.txt";
+    ASSERT_TRUE(WaitForFile(out));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(test::ReadBytes(out),
+              "run_20241107_140509.spe|" + dir.path().string() + kSep + "\n");
+}
+
+TEST(ExternalProcessing, SaveFailureStopsBeforeStarting) {
+    test::TempDir dir;
+    ScriptedMessages messages;
+    ProcessSettings s;
+    s.bEnableExtProcessing = true;
+    s.szDataDir = (dir.path() / "missing").string();
+    s.szProgram = "/bin/sh";
+    s.szArguments = "-c \"touch started\"";
+    s.szStartupDir = dir.path().string();
+    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
+    EXPECT_EQ(outcome.status, ProcessStatus::SaveFailed);
+    ASSERT_EQ(messages.shown().size(), 1u);
+    EXPECT_EQ(messages.shown()[0].title, "Vexo");
+    EXPECT_EQ(messages.shown()[0].text, "Failed to save the sprectrum");
+    EXPECT_EQ(messages.shown()[0].icon, MsgIcon::Critical);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_FALSE(fs::exists(dir.path() / "started"));
+}
+
+TEST(ExternalProcessing, ProgramThatCannotStartIsReportedAndTheFolderStaysWhereItFailed) {
+    test::TempDir dir;
+    FolderGuard guard;
+    ScriptedMessages messages;
+    ProcessSettings s;
+    s.bEnableExtProcessing = true;
+    s.szDataDir = dir.path().string();
+    s.szProgram = (dir.path() / "no-such-program").string();
+    s.szStartupDir = "%D";
+    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
+    EXPECT_EQ(outcome.status, ProcessStatus::LaunchFailed);
+    ASSERT_EQ(messages.shown().size(), 1u);
+    EXPECT_EQ(messages.shown()[0].text.rfind("Failed to execute application: ", 0), 0u)
+        << messages.shown()[0].text;
+    EXPECT_GT(messages.shown()[0].text.size(), std::string("Failed to execute application: ").size());
+    EXPECT_EQ(fs::current_path(), fs::canonical(dir.path()));
+}
+
+TEST(ExternalProcessing, MissingWorkingFolderIsReportedAndNothingMoves) {
+    test::TempDir dir;
+    FolderGuard guard;
+    const fs::path before = fs::current_path();
+    ScriptedMessages messages;
+    ProcessSettings s;
+    s.bEnableExtProcessing = true;
+    s.szDataDir = dir.path().string();
+    s.szProgram = "/bin/true";
+    s.szStartupDir = "%Dnot-there";
+    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
+    EXPECT_EQ(outcome.status, ProcessStatus::LaunchFailed);
+    ASSERT_EQ(messages.shown().size(), 1u);
+    EXPECT_EQ(messages.shown()[0].text.rfind("Failed to execute application: ", 0), 0u);
+    EXPECT_EQ(fs::current_path(), before);
+}

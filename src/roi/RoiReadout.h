@@ -1,0 +1,43 @@
+#pragma once
+// What the main window and the ROI dialog show of one ROI: the read-out texts after an
+// analysis and the rows of the ROI results list.
+#include <string>
+#include <vector>
+
+#include "roi/clsROI.h"
+#include "spectrum/SpectrumDocument.h"
+
+namespace vexo {
+
+// Result of re-analysing one ROI for the main window's read-out.
+struct RoiReadout {
+    bool ok = false;    // the analysis returned true and stored its results
+    std::string error;  // the error's text when the analysis raised; empty otherwise
+    RoiRates rates;     // counts per second (all 0 unless ok)
+    // Read-out texts, filled only when ok:
+    std::string netArea;  // lNET through FormatAuto
+    std::string integral; // lInt through FormatAuto
+    std::string netRate;  // net rate "0.0" + " CPS"
+    std::string intRate;  // integral rate "0.0" + " CPS"
+};
+
+// Runs bComputeROI on `roi` with the counts and calibration of `doc` and `sTime` seconds
+// as the measuring time. An analysis that returns false gives ok = false with an empty
+// error; an arithmetic fault or a stray index (OverflowError, FloatingPointError,
+// SubscriptError) gives ok = false with the error's text. Never throws for those.
+RoiReadout UpdateCompROI(clsROI& roi, float sTime, const SpectrumDocument& doc);
+
+// One row of the ROI results list: "Category", "Value", "Uncertainty".
+struct EditRoiRow {
+    std::string category;
+    std::string value;
+    std::string uncertainty; // empty where no uncertainty is given
+};
+
+// The thirteen rows of the results list, from "ROI ID" to "Associate nuclide", with
+// values as the properties read them. The uncertainty column gives one-sigma Poisson
+// uncertainties, "0.00": integral sqrt(S), total background sqrt(B), net area sqrt(S + B);
+// it is empty for every other row and wherever a count is negative.
+std::vector<EditRoiRow> EditROIRows(const clsROI& roi);
+
+} // namespace vexo

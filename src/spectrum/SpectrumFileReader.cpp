@@ -1,0 +1,238 @@
+// Reader of the full spectrum file.
+#include <algorithm>
+#include <vector>
+
+#include "shell/DateTime.h"
+#include "shell/Rounding.h"
+#include "shell/TextFile.h"
+#include "shell/VexoError.h"
+#include "spectrum/FieldReader.h"
+#include "spectrum/FileBytes.h"
+#include "spectrum/SpectrumFile.h"
+
+namespace vexo {
+namespace {
+
+// Runs of blanks reduced to one, both ends trimmed, split at the blanks. Only the blank
+// separates parts; an empty or all-blank line gives no parts.
+std::vector<std::string_view> SplitParts(std::string_view line) {
+    std::vector<std::string_view> parts;
+    std::size_t i = 0;
+    while (i < line.size()) {
+        while (i < line.size() && line[i] == ' ')
+            ++i;
+        std::size_t start = i;
+        while (i < line.size() && line[i] != ' ')
+            ++i;
+        if (i > start)
+            parts.push_back(line.substr(start, i - start));
+    }
+    return parts;
+}
+
+std::string_view RequireLine(FieldReader& in) {
+    auto line = in.readLine();
+    if (!line)
+        throw NumberedError(62, "Input past end of file");
+    return *line;
+}
+
+// Characters `first` (1-based) to first + count - 1 of a piece, as far as it reaches.
+std::string_view Mid(std::string_view piece, std::size_t first, std::size_t count) {
+    if (first - 1 >= piece.size())
+        return {};
+    return piece.substr(first - 1, count);
+}
+
+int16_t PieceValue(std::string_view piece, std::size_t first, std::size_t count) {
+    return CInt(FieldNumber(Mid(piece, first, count)));
+}
+
+// Two-digit years as a calendar date function takes them: 0-29 are 2000-2029, 30-99
+// are 1930-1999.
+int WindowYear(int year) {
+    if (year >= 0 && year <= 29)
+        return 2000 + year;
+    if (year >= 30 && year <= 99)
+        return 1900 + year;
+    return year;
+}
+
+// The date line is taken by character position: mm?dd?yyyy hh?nn?ss, separators unchecked.
+void ReadDate(FieldReader& in, SpectrumDocument& doc) {
+    std::vector<std::string_view> parts = SplitParts(RequireLine(in));
+    if (parts.size() < 2)
+        return;
+    DateTimeParts date;
+    date.month = PieceValue(parts[0], 1, 2);
+    date.day = PieceValue(parts[0], 4, 2);
+    date.year = WindowYear(PieceValue(parts[0], 7, 4));
+    double day = SerialFromParts(date);
+    int year = PartsFromSerial(day).year;
+    if (year < 100 || year > 9999)
+        throw NumberedError(5, "Invalid procedure call or argument");
+    int hour = PieceValue(parts[1], 1, 2);
+    int minute = PieceValue(parts[1], 4, 2);
+    int second = PieceValue(parts[1], 7, 2);
+    doc.dtMeasured = day + (hour * 3600.0 + minute * 60.0 + second) / 86400.0;
+}
+
+void ReadTimes(FieldReader& in, SpectrumDocument& doc) {
+    doc.sngLiveTime = in.readSingle();
+    doc.sngRealTime = in.readSingle();
+}
+
+void ReadDeviceId(FieldReader& in, SpectrumDocument& doc) {
+    std::vector<std::string_view> parts = SplitParts(RequireLine(in));
+    if (parts.size() < 2)
+        return;
+    doc.szDeviceName = Win1252ToUtf8(parts[0]);
+    doc.szDeviceSerial = Win1252ToUtf8(parts[1]);
+}
+
+void ReadPresets(FieldReader& in, SpectrumDocument& doc) {
+    doc.lPresetMode = in.readLong();
+    doc.sngPresetTime = in.readSingle();
+    doc.lPresetCounts = in.readLong();
+    doc.lPresetFirstCh = in.readLong();
+    doc.lPresetLastCh = in.readLong();
+}
+
+void ReadHardware(FieldReader& in, SpectrumDocument& doc) {
+    doc.lMCSMode = in.readLong(); // the writer's "PHA"/"MCS" reads as 0
+    doc.sngHighVoltage = in.readSingle();
+    for (int32_t* field : {&doc.lCoarseGain, &doc.lFineGain, &doc.lDigitalGain, &doc.lThreshold,
+                           &doc.lLLD, &doc.lULD, &doc.lRiseTime, &doc.lFlatTop, &doc.lPoleZero,
+                           &doc.lBLR, &doc.lPUR})
+        *field = in.readLong();
+}
+
+void ReadCalibration(FieldReader& in, SpectrumDocument& doc) {
+    float offset = in.readSingle();
+    float slope = in.readSingle();
+    float quad = in.readSingle();
+    doc.setCalibration({true, offset, slope, quad});
+}
+
+std::string JoinName(const std::vector<std::string_view>& parts) {
+    std::string name;
+    for (std::size_t i = 4; i < parts.size(); ++i) {
+        if (i > 4)
+            name.push_back(' ');
+        name.append(parts[i]);
+    }
+    return Win1252ToUtf8(name);
+}
+
+void AddRoi(const std::vector<std::string_view>& parts, SpectrumDocument& doc) {
+    PlotRoi roi;
+    roi.lFirst = FieldLong(parts[0]);
+    roi.lLast = FieldLong(parts[1]);
+    roi.lColor = parts.size() > 2 ? FieldLong(parts[2]) : 255;
+    roi.bFlag = parts.size() > 3 && FieldNumber(parts[3]) != 0.0;
+    roi.szName = JoinName(parts);
+    doc.plot.rois.push_back(roi);
+    clsROI record;
+    record.set_lROILCh(roi.lFirst);
+    record.set_lROIRCh(roi.lLast);
+    record.set_lROIColor(roi.lColor);
+    record.set_vntID(roi.szName);
+    // The plot number is 16 bits; more ROIs than that is an overflow, which also caps
+    // what a hostile file can make us hold.
+    record.set_nROIinPlot(CInt(static_cast<double>(doc.plot.rois.size()) - 1.0));
+    doc.rois.add(std::move(record));
+}
+
+// ROI lines up to the next line starting with "$", which is left for the main loop.
+void ReadRois(FieldReader& in, SpectrumDocument& doc) {
+    doc.plot.rois.clear();
+    doc.rois = RoiCollection{};
+    for (;;) {
+        std::size_t mark = in.position();
+        auto line = in.readLine();
+        if (!line)
+            return;
+        if (!line->empty() && line->front() == '$') {
+            in.seek(mark);
+            return;
+        }
+        std::vector<std::string_view> parts = SplitParts(*line);
+        if (parts.size() >= 2)
+            AddRoi(parts, doc);
+    }
+}
+
+int32_t ClampChannel(int32_t ch) { return std::clamp<int32_t>(ch, 0, MAX_CHANNELS - 1); }
+
+void ReadData(FieldReader& in, SpectrumDocument& doc) {
+    int32_t first = ClampChannel(in.readLong());
+    int32_t last = ClampChannel(in.readLong());
+    doc.lChannels = last - first + 1;
+    for (int32_t i = first; i <= last; ++i)
+        doc.lCounts[static_cast<std::size_t>(i)] = in.readLong();
+}
+
+// Handles the section of a tag line; other lines (and "$MCA_CAL:") are skipped.
+void ReadSection(std::string_view line, FieldReader& in, SpectrumDocument& doc) {
+    if (line == "$DATE_MEA:")
+        ReadDate(in, doc);
+    else if (line == "$MEAS_TIM:")
+        ReadTimes(in, doc);
+    else if (line == "$HRDW_PARAMS:")
+        ReadHardware(in, doc);
+    else if (line == "$ACQ_SETTINGS:")
+        ReadPresets(in, doc);
+    else if (line == "$DEVICE_ID:")
+        ReadDeviceId(in, doc);
+    else if (line == "$SPEC_CAL:")
+        ReadCalibration(in, doc);
+    else if (line == "$ROI:")
+        ReadRois(in, doc);
+    else if (line == "$DATA:")
+        ReadData(in, doc);
+}
+
+void ResetPresets(SpectrumDocument& doc) {
+    doc.lPresetMode = 3;
+    doc.sngPresetTime = 0.0f;
+    doc.lPresetCounts = 0;
+    doc.lPresetFirstCh = 0;
+    doc.lPresetLastCh = 0;
+}
+
+bool Fail(std::string* error, const std::string& reason) {
+    if (error)
+        *error = reason;
+    return false;
+}
+
+} // namespace
+
+bool ParseFullSpectrum(SpectrumDocument& doc, std::string_view bytes, std::string* error) {
+    FieldReader in(bytes);
+    auto first = in.readLine();
+    if (!first || first->substr(0, 9) != "$SPEC_ID:")
+        return Fail(error, "not a full spectrum file (no \"$SPEC_ID:\" line)");
+    try {
+        doc.szSpectrumID = Win1252ToUtf8(RequireLine(in));
+        ResetPresets(doc);
+        while (auto line = in.readLine())
+            ReadSection(*line, in, doc);
+    } catch (const std::runtime_error& e) {
+        // Input past the end, overflow, an impossible date: the file is broken. The
+        // result says so; what was read so far stays, as the format defines.
+        return Fail(error, e.what());
+    }
+    return true;
+}
+
+bool bReadFullSpectrum(SpectrumDocument& doc, const std::filesystem::path& path, std::string* error) {
+    FileBytes file = ReadFileBytes(path, kMaxSpectrumFileBytes);
+    if (!file.ok)
+        return Fail(error, file.error);
+    if (file.truncated)
+        return Fail(error, "file too large for a spectrum file");
+    return ParseFullSpectrum(doc, file.bytes, error);
+}
+
+} // namespace vexo

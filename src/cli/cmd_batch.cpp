@@ -1,0 +1,153 @@
+// vexo-cli batch: a batch of measurements, driven by the same batch and acquisition
+// controllers as the desktop; prints each saved file.
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CliCommand.h"
+#include "MeasureSession.h"
+#include "device/AcquisitionController.h"
+#include "device/BatchController.h"
+#include "shell/AppDir.h"
+#include "shell/AppSettings.h"
+
+namespace vexo::cli {
+namespace {
+
+const char* kUsage =
+    "usage: vexo-cli batch --device PATH --preset PRESET --count N --dir DIR\n"
+    "                      [--wait SECONDS] [--clear] [--until-stop] [--sample-id ID]\n"
+    "                      [--timestamp] [--tag TEXT] [--process] [--appdir DIR]\n"
+    "                      [--hv on] [--set NAME=VALUE]... [--mcs DWELL:LOW:HIGH]\n"
+    "\n"
+    "Runs the batch sequence: each time the device stops at its preset the spectrum is\n"
+    "saved in DIR as [ID_|Vexo_][yyyymmdd_HHMMSS_][TEXT_]NNNN.SPE and the next measurement\n"
+    "started, until N are saved. Each saved file is printed on stdout.\n"
+    "  --preset     live:S, real:S or counts:N:F:L (as for acquire)\n"
+    "  --wait S     wait S whole seconds between measurements\n"
+    "  --clear      clear the spectrum between measurements\n"
+    "  --until-stop ignore --count; runs until interrupted (or 32767 files)\n"
+    "  --process    run the external processing command of Vexo.ini after each save\n"
+    "  --appdir DIR where Vexo.ini is (default: the application directory); with\n"
+    "               --process the batch folder is remembered there as the desktop does\n"
+    "Progress goes to stderr. VEXO_TICK_MS sets the tick's wall time (default 500).";
+
+struct Options {
+    DeviceOptions device;
+    BatchWindowFields fields;
+    BatchSettings settings;
+    std::string sampleId;
+    std::string appDir;
+};
+
+std::string Value(const std::vector<std::string>& args, std::size_t& i) {
+    if (i + 1 >= args.size())
+        throw UsageError{args[i] + " needs a value"};
+    return args[++i];
+}
+
+// Takes args[i] when it is one of the batch's own options.
+bool ParseBatchOption(const std::vector<std::string>& args, std::size_t& i, Options& o) {
+    const std::string& a = args[i];
+    if (a == "--count") {
+        o.fields.count = Value(args, i);
+    } else if (a == "--dir") {
+        o.fields.folder = Value(args, i);
+    } else if (a == "--wait") {
+        o.fields.wait = Value(args, i);
+        o.fields.waitChecked = true;
+    } else if (a == "--clear") {
+        o.settings.bBatchClear = true;
+    } else if (a == "--until-stop") {
+        o.fields.untilStop = true;
+    } else if (a == "--sample-id") {
+        o.sampleId = Value(args, i);
+        o.settings.bNameSampleID = true;
+    } else if (a == "--timestamp") {
+        o.settings.bNameTimeDate = true;
+    } else if (a == "--tag") {
+        o.settings.szBatchTag = Value(args, i);
+        o.settings.bNameTag = true;
+    } else if (a == "--process") {
+        o.settings.bBatchProc = true;
+    } else if (a == "--appdir") {
+        o.appDir = Value(args, i);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+Options ParseOptions(const std::vector<std::string>& args) {
+    Options o;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (!ParseDeviceOption(args, i, o.device) && !ParseBatchOption(args, i, o))
+            throw UsageError{"unknown argument " + args[i]};
+    }
+    if (o.device.device.empty())
+        throw UsageError{"--device PATH is required"};
+    if (!o.device.preset || o.device.preset->kind == PresetChoice::Kind::Forever)
+        throw UsageError{"--preset live:S, real:S or counts:N:F:L is required"};
+    if (o.fields.count.empty() && !o.fields.untilStop)
+        throw UsageError{"--count N is required"};
+    // The same checks and messages as the batch window's Start button.
+    if (const auto e = ValidateBatchStart(o.fields))
+        throw UsageError{e->message};
+    o.settings = BatchSettingsFromFields(o.fields, o.settings);
+    return o;
+}
+
+// Runs the timers as the desktop does: the wait timer (when it was already running)
+// and the refresh tick, one pass per 500 ms.
+int RunSequence(MeasureSession& session, AcquisitionController& acq, BatchController& batch,
+                const bool& lost) {
+    while (batch.bBatchMode() && !lost) {
+        session.pacer().wait();
+        if (batch.waitTimerEnabled())
+            batch.tmrBatchWait();
+        acq.tick();
+    }
+    return lost ? kExitFailure : kExitOk;
+}
+
+int Run(const std::vector<std::string>& args) {
+    Options o = ParseOptions(args);
+    MeasureSession session(o.device);
+    session.applySettings();
+    session.document().szSpectrumID = o.sampleId;
+
+    const std::filesystem::path appDir = ResolveAppDir(o.appDir, ExecutableDir());
+    auto appSettings = std::make_unique<AppSettings>();
+    if (o.settings.bBatchProc && !LoadSettings(*appSettings, appDir, session.messages()))
+        throw Failure{"--process needs the settings file " + SettingsFilePath(appDir).string()};
+
+    bool lost = false;
+    AcquisitionHooks acqHooks;
+    acqHooks.connectionLost = [&lost] { lost = true; };
+    AcquisitionController acq(session.library(), session.document(), session.messages(), acqHooks);
+    acq.deviceConnected();
+    int saved = 0, failed = 0;
+    BatchHooks hooks;
+    hooks.fileSaved = [&](const std::string& path, bool ok) {
+        (ok ? saved : failed)++;
+        if (ok)
+            std::printf("%s\n", path.c_str());
+        std::fflush(stdout);
+    };
+    BatchController batch(acq, o.settings.bBatchProc ? appSettings.get() : nullptr, appDir,
+                          ExecutableDir().string(), hooks);
+    acq.clear();
+    batch.begin(o.settings);
+    const int rc = RunSequence(session, acq, batch, lost);
+    std::fprintf(stderr, "%d file(s) saved, %d failed\n", saved, failed);
+    if (lost)
+        throw Failure{"the device was lost during the batch"};
+    return failed > 0 ? kExitFailure : rc;
+}
+
+const RegisterCommand kRegister("batch", {"run a batch of measurements", kUsage, Run});
+
+} // namespace
+} // namespace vexo::cli

@@ -1,0 +1,268 @@
+#include "device/AcquisitionController.h"
+
+#include <algorithm>
+
+#include "device/ConnectionController.h"
+#include "shell/DateTime.h"
+#include "shell/NumberFormat.h"
+#include "spectrum/CountRate.h"
+
+namespace vexo {
+
+bool IsConnectionLostCode(int32_t status) {
+    // -1/-2 not connected, -9 connection closed, -15 invalid handle: no later call on
+    // this handle can succeed. Send/receive failures may pass and are retried instead.
+    return status == -1 || status == -2 || status == -9 || status == -15;
+}
+
+AcquisitionController::AcquisitionController(DeviceLibrary& lib, SpectrumDocument& doc,
+                                             Messages& messages, AcquisitionHooks hooks,
+                                             std::function<double()> now)
+    : m_lib(lib), m_doc(doc), m_messages(messages), m_hooks(std::move(hooks)),
+      m_now(now ? std::move(now) : std::function<double()>(NowSerial)) {}
+
+void AcquisitionController::refresh(int code) {
+    if (m_hooks.refreshMainWindow)
+        m_hooks.refreshMainWindow(code);
+}
+
+void AcquisitionController::noteDevice() {
+    if (m_doc.hDevice == m_identityHandle)
+        return;
+    m_identityHandle = m_doc.hDevice;
+    m_deviceName = m_doc.szDeviceName;
+    m_deviceSerial = m_doc.szDeviceSerial;
+}
+
+void AcquisitionController::deviceConnected() {
+    m_identityHandle = 0;
+    noteDevice();
+}
+
+bool AcquisitionController::start() {
+    noteDevice();
+    if (m_doc.hDevice == 0) {
+        m_messages.show({"Vexo", "Not connected", MsgIcon::None, MsgButtons::Ok});
+        return false;
+    }
+    if (m_bCleared)
+        m_doc.dtMeasured = m_now();
+    const int32_t rc = m_lib.startAcquisition(m_doc.hDevice);
+    if (rc != 0) {
+        m_messages.critical(ErrorText(rc));
+        return false;
+    }
+    // A spectrum opened from a file meanwhile may have put its own identity into the
+    // record; the new measurement is this device's.
+    m_doc.szDeviceName = m_deviceName;
+    m_doc.szDeviceSerial = m_deviceSerial;
+    m_bAcqActive = true;
+    m_bCleared = false;
+    refresh(kRefreshAcquisition);
+    return true;
+}
+
+bool AcquisitionController::stop() {
+    if (m_bBatchMode) {
+        const Message question{"Stop Batch Acquisition",
+                               "You're under batch mode\r\nStop will abort the Batch sequence\r\n"
+                               "Do you want to Stop?",
+                               MsgIcon::Exclamation, MsgButtons::OkCancel};
+        if (m_messages.show(question) != MsgAnswer::Ok)
+            return false;
+        if (m_batch.abortBatch)
+            m_batch.abortBatch();
+        m_bBatchMode = false;
+    }
+    if (m_doc.hDevice != 0) {
+        const int32_t rc = m_lib.stopAcquisition(m_doc.hDevice);
+        if (rc != 0)
+            m_messages.critical(ErrorText(rc));
+    }
+    m_bAcqActive = false;
+    refresh(kRefreshAcquisition);
+    return true;
+}
+
+void AcquisitionController::clear() {
+    if (m_doc.hDevice == 0) {
+        m_messages.show({"Vexo", "Not connected", MsgIcon::None, MsgButtons::Ok});
+        return;
+    }
+    // The status poll below sees the stopped device; whether to restart is decided by
+    // the state before clearing.
+    const bool wasRunning = m_bAcqActive;
+    int32_t rc = m_lib.stopAcquisition(m_doc.hDevice);
+    if (rc == 0)
+        rc = m_lib.clearAll(m_doc.hDevice);
+    if (rc != 0)
+        m_messages.critical(ErrorText(rc));
+    m_bCleared = true;
+    DisplaySpectrum();
+    DisplayStatus();
+    if (wasRunning && m_doc.hDevice != 0) {
+        m_doc.dtMeasured = m_now();
+        rc = m_lib.startAcquisition(m_doc.hDevice);
+        if (rc != 0) {
+            m_messages.critical(ErrorText(rc));
+            m_bAcqActive = false;
+            return;
+        }
+        m_bAcqActive = true;
+        m_bCleared = false;
+    }
+}
+
+void AcquisitionController::tick() {
+    noteDevice();
+    if (m_doc.hDevice == 0)
+        return;
+    if (m_bAcqActive) {
+        DisplayStatus();
+        if (m_doc.hDevice != 0 && DisplaySpectrum())
+            updateRois();
+        return;
+    }
+    DisplayStatus();
+    if (m_doc.hDevice == 0)
+        return;
+    int32_t status = -1;
+    const int32_t rc = m_lib.getAcquisitionStatus(m_doc.hDevice, status);
+    if (rc != 0) {
+        connectionLost(rc);
+        return;
+    }
+    if (status != 0)
+        return;
+    if (m_bBatchMode) {
+        if (m_batch.doBatch)
+            m_batch.doBatch();
+    } else {
+        refresh(kRefreshAcquisition);
+    }
+}
+
+bool AcquisitionController::DisplayStatus() {
+    noteDevice();
+    if (m_doc.hDevice == 0)
+        return false;
+    int32_t status = 0, mode = 0, hv = 0;
+    int32_t rc = m_lib.getAcquisitionStatus(m_doc.hDevice, status);
+    if (rc == 0)
+        rc = m_lib.getParam(m_doc.hDevice, DeviceParamId::AcqMode, mode);
+    if (rc == 0)
+        rc = m_lib.getParam(m_doc.hDevice, DeviceParamId::HVState, hv);
+    if (rc != 0) {
+        connectionLost(rc);
+        return false;
+    }
+    m_statusWord = status;
+    m_deviceMode = mode;
+    m_hvState = hv;
+    m_texts.status = AcquisitionStatusText(status, ModelCode(m_deviceSerial), hv, m_bBatchMode);
+    presetText();
+    m_bAcqActive = status != 0;
+    return true;
+}
+
+void AcquisitionController::presetText() {
+    const int32_t mode = m_doc.lPresetMode;
+    if (mode == 0 || mode == 1 || mode == 6 || mode == 7) {
+        m_texts.preset.clear();
+        return;
+    }
+    if (mode & kPresetTimeActive)
+        m_texts.preset = std::string((mode & kPresetLiveTime) ? "Live Time = " : "Real Time = ") +
+                         SingleToText(m_doc.sngPresetTime) + " sec";
+    // A counts preset names the end condition that matters most, so it is the one shown
+    // when both are set.
+    if (mode & kPresetCountsActive)
+        m_texts.preset = "Counts = " + std::to_string(m_doc.lPresetCounts);
+}
+
+bool AcquisitionController::DisplaySpectrum() {
+    if (m_doc.hDevice == 0)
+        return false;
+    // Read into a scratch buffer so a failing call cannot leave half a spectrum behind.
+    static thread_local std::vector<int32_t> buffer(KORVHW_SPECTRUM_SLOTS);
+    std::fill(buffer.begin(), buffer.end(), 0);
+    int32_t channels = 0;
+    float realTime = 0.0f, liveTime = 0.0f;
+    const int32_t rc = m_lib.readSpectrum(m_doc.hDevice, buffer.data(), channels, realTime, liveTime);
+    if (rc != 0) {
+        connectionLost(rc);
+        return false;
+    }
+    channels = std::clamp<int32_t>(channels, 0, MAX_CHANNELS);
+    std::copy(buffer.begin(), buffer.end(), m_doc.lCounts.begin());
+    m_doc.lChannels = channels;
+    m_doc.sngRealTime = realTime;
+    m_doc.sngLiveTime = liveTime;
+
+    m_readings.deadTimePercent =
+        realTime > 0.0f ? (1.0f - liveTime / realTime) * 100.0f : 0.0f;
+    m_readings.countRate = CountRate(m_doc);
+
+    int32_t mcsChannel = 0;
+    const bool haveMcs =
+        m_doc.lMCSMode != 0 &&
+        m_lib.getParam(m_doc.hDevice, DeviceParamId::McsCurrentChannel, mcsChannel) == 0;
+    m_readings.mcsChannel = haveMcs ? std::optional<int32_t>(mcsChannel) : std::nullopt;
+    elapsedTexts(mcsChannel, haveMcs);
+    m_texts.countRate = FormatSingle(m_readings.countRate, "0.0") + " cps";
+
+    int32_t inputCounts = 0;
+    if (m_lib.getParam(m_doc.hDevice, DeviceParamId::InputCounts, inputCounts) == 0) {
+        // A fresh start has no real time yet; its throughput is shown as 0.
+        const float icr = realTime > 0.0f ? static_cast<float>(inputCounts / static_cast<double>(realTime))
+                                          : 0.0f;
+        m_readings.inputCountRate = icr;
+        m_texts.icr = "ICR " + FormatSingle(icr, "0.0") + " cps";
+    }
+    if (m_hooks.spectrumRead)
+        m_hooks.spectrumRead();
+    return true;
+}
+
+void AcquisitionController::elapsedTexts(int32_t mcsChannel, bool haveMcsChannel) {
+    const std::string live = FormatSingle(m_doc.sngLiveTime, "0.0");
+    const std::string real = FormatSingle(m_doc.sngRealTime, "0.0");
+    const std::string dead = FormatSingle(m_readings.deadTimePercent, "0.00");
+    if (m_doc.lMCSMode != 0) {
+        m_texts.elapsed = "Elapsed time (seconds): " + live + " live" + ", " + real + " real*" +
+                          " " + "(" + dead + "% dead), " + "channel: " +
+                          (haveMcsChannel ? std::to_string(mcsChannel) : std::string{});
+    } else {
+        m_texts.elapsed = "Elapsed time (seconds): " + live + " live" + ", " + real + " real" +
+                          " " + "(" + dead + "% dead)";
+    }
+}
+
+void AcquisitionController::updateRois() {
+    m_roiReadouts.clear();
+    if (m_doc.rois.empty())
+        return;
+    for (clsROI& roi : m_doc.rois)
+        m_roiReadouts.push_back(UpdateCompROI(roi, m_doc.sngLiveTime, m_doc));
+}
+
+bool AcquisitionController::connectionLost(int32_t status) {
+    if (!IsConnectionLostCode(status))
+        return false; // one failed call: the screen stays as it is, the next tick retries
+    const bool batch = m_bBatchMode;
+    m_bAcqActive = false;
+    CloseMca(m_lib, m_doc);
+    noteDevice();
+    // In a batch the sequence reports the loss itself ("No MCA connection") and ends.
+    if (batch && m_batch.doBatch)
+        m_batch.doBatch();
+    else
+        m_messages.critical("Lost the connection to the MCA: " + ErrorText(status));
+    if (m_hooks.connectionLost)
+        m_hooks.connectionLost();
+    else
+        refresh(0);
+    return true;
+}
+
+} // namespace vexo

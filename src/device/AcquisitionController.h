@@ -1,0 +1,161 @@
+#pragma once
+// Start, Stop and Clear of the open analyser and the 500 ms refresh tick (tmrRefresh)
+// that keeps the record and the status bar in step with it: status poll, spectrum read,
+// elapsed times, dead time, count rate, input count rate and the ROI figures, and the
+// notice that the device stopped by itself (a preset reached), which in batch mode hands
+// over to the batch sequence. Headless: the window binds its timer to tick(), shows
+// panelTexts() and applies the refresh codes it is handed.
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "device/DeviceLibrary.h"
+#include "roi/RoiReadout.h"
+#include "shell/Messages.h"
+#include "spectrum/SpectrumDocument.h"
+
+namespace vexo {
+
+constexpr int kRefreshIntervalMs = 500;   // tmrRefresh
+constexpr int kRefreshAcquisition = 2;    // RefreshMainWindow: acquisition state changed
+constexpr int kRefreshOptionsBatch = 16;  // RefreshMainWindow: options and batch panels
+
+// The status-bar texts of the acquisition, as the window shows them. A text is only
+// rewritten by the step that owns it; a failing step leaves the old text.
+struct AcquisitionPanelTexts {
+    std::string status;    // panel 3: "Acquiring", "(Batch) Stopped", "HV ramping" ...
+    std::string preset;    // "Live Time = 10 sec", "Real Time = 5 sec", "Counts = 1000", ""
+    std::string elapsed;   // "Elapsed time (seconds): 1.5 live, 2.0 real (25.00% dead)"
+    std::string countRate; // "123.4 cps"
+    std::string icr;       // "ICR 150.0 cps"
+};
+
+// The figures behind the texts, from the latest spectrum read.
+struct AcquisitionReadings {
+    float deadTimePercent = 0.0f;       // 0 while the real time is 0
+    float countRate = 0.0f;             // counts per second of live time
+    std::optional<float> inputCountRate; // input counts per second of real time
+    std::optional<int32_t> mcsChannel;   // channel the MCS scan is filling
+};
+
+// What the acquisition asks of its owner; an empty hook is skipped.
+struct AcquisitionHooks {
+    std::function<void(int code)> refreshMainWindow; // RefreshMainWindow(code)
+    std::function<void()> spectrumRead;               // redraw the plots, info panel
+    // The device stopped answering (closed link, invalid handle). The controller has
+    // already closed it (hDevice = 0); the owner stops its timers and shows the
+    // disconnected state. Without this hook the controller asks for a full refresh (0).
+    std::function<void()> connectionLost;
+};
+
+// The batch sequence's entry points, set by the batch controller.
+struct BatchHandlers {
+    std::function<void()> doBatch;    // the device was found stopped in batch mode
+    std::function<void()> abortBatch; // the user confirmed Stop during a batch
+};
+
+class AcquisitionController {
+public:
+    // `now` gives the serial date-time for dtMeasured (shell/DateTime.h NowSerial when
+    // empty). The library and the record must outlive the controller.
+    AcquisitionController(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
+                          AcquisitionHooks hooks = {}, std::function<double()> now = {});
+
+    void setHooks(AcquisitionHooks hooks) { m_hooks = std::move(hooks); }
+    void setBatchHandlers(BatchHandlers handlers) { m_batch = std::move(handlers); }
+
+    // Takes the identity (name, serial) of the device just opened. The controller also
+    // notices a new handle by itself at its next call; this covers a reconnect that
+    // happens to get the same handle back.
+    void deviceConnected();
+
+    // mnuMCAStart. No device: "Not connected". StartAcquisition failing shows its error
+    // text and changes nothing. On success: dtMeasured stamped when the spectrum was
+    // cleared, device name and serial copied into the spectrum, running state, code 2.
+    // Returns true when the acquisition was started.
+    bool start();
+
+    // mnuMCAStop. In batch mode the user is asked first ("Stop Batch Acquisition");
+    // Cancel returns false with everything left running, OK aborts the batch. Then
+    // StopAcquisition (its error text shown on failure), bAcqActive = false, code 2.
+    bool stop();
+
+    // mnuMCAClear: StopAcquisition and ClearAll, the empty spectrum and status shown,
+    // and a running acquisition restarted from zero with a new dtMeasured.
+    void clear();
+
+    // One tmrRefresh tick; does nothing without a device. Running: status, spectrum and
+    // ROI figures. Stopped: status, then a status read; a device found stopped hands
+    // over to the batch (batch mode) or asks for code 2. The scope cycle is the
+    // window's to run after this (ScopeController::DisplayWaveform).
+    void tick();
+
+    // Status poll: status word, mode (id 5) and HV word (id 22). When any of the three
+    // fails nothing changes and false is returned. Otherwise the status and preset
+    // texts are set and bAcqActive = (status word != 0).
+    bool DisplayStatus();
+
+    // Spectrum read into lCounts, lChannels, sngRealTime, sngLiveTime, with dead time,
+    // count rate, MCS channel (id 27) or input count rate (id 35) and their texts. A
+    // failing read leaves the record and the texts as they were and returns false.
+    bool DisplaySpectrum();
+
+    // Re-analyses every ROI with the current live time (nothing when there are none).
+    void updateRois();
+
+    const AcquisitionPanelTexts& panelTexts() const { return m_texts; }
+    const AcquisitionReadings& readings() const { return m_readings; }
+    const std::vector<RoiReadout>& roiReadouts() const { return m_roiReadouts; }
+
+    bool bAcqActive() const { return m_bAcqActive; }
+    bool bCleared() const { return m_bCleared; }
+    bool bBatchMode() const { return m_bBatchMode; }
+    void setBatchMode(bool on) { m_bBatchMode = on; }
+    bool connected() const { return m_doc.hDevice != 0; }
+    // Status word of the latest successful poll (0 stopped, bits 1/2/4).
+    int32_t statusWord() const { return m_statusWord; }
+    // Acquisition mode the device reported at the latest poll (0 PHA, 1 MCS).
+    int32_t deviceMode() const { return m_deviceMode; }
+
+    const std::string& deviceSerial() const { return m_deviceSerial; }
+    DeviceLibrary& library() { return m_lib; }
+    SpectrumDocument& document() { return m_doc; }
+    Messages& messages() { return m_messages; }
+    double now() const { return m_now(); }
+
+private:
+    bool connectionLost(int32_t status);
+    void noteDevice();
+    void presetText();
+    void elapsedTexts(int32_t mcsChannel, bool haveMcsChannel);
+    void refresh(int code);
+
+    DeviceLibrary& m_lib;
+    SpectrumDocument& m_doc;
+    Messages& m_messages;
+    AcquisitionHooks m_hooks;
+    BatchHandlers m_batch;
+    std::function<double()> m_now;
+
+    bool m_bAcqActive = false;
+    bool m_bCleared = false;
+    bool m_bBatchMode = false;
+    int32_t m_statusWord = 0;
+    int32_t m_deviceMode = 0;
+    int32_t m_hvState = 0;
+    // The open device's identity, kept apart from the record's spectrum identity (which
+    // a file opened while connected replaces): the model code gates the status texts.
+    DeviceHandle m_identityHandle = 0;
+    std::string m_deviceName;
+    std::string m_deviceSerial;
+    AcquisitionPanelTexts m_texts;
+    AcquisitionReadings m_readings;
+    std::vector<RoiReadout> m_roiReadouts;
+};
+
+// Library codes that mean the device is gone rather than that one call failed.
+bool IsConnectionLostCode(int32_t status);
+
+} // namespace vexo

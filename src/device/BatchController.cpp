@@ -1,0 +1,169 @@
+#include "device/BatchController.h"
+
+#include "shell/ExternalProcessing.h"
+#include "shell/NumberFormat.h"
+#include "spectrum/SpectrumFile.h"
+
+namespace vexo {
+
+BatchPanelTexts MakeBatchPanelTexts(bool batchOn, bool waiting, float waitRemainingSeconds,
+                                    int done, bool untilStop, int count) {
+    BatchPanelTexts t;
+    if (!batchOn) {
+        t.batch = "BATCH OFF";
+        return t;
+    }
+    t.batch = waiting ? "BATCH ON (Waiting : " + FormatSingle(waitRemainingSeconds, "0.0") + ")"
+                      : "BATCH ON";
+    t.counter = "Acq. done: " + std::to_string(done);
+    if (!untilStop)
+        t.counter += " of " + std::to_string(count);
+    return t;
+}
+
+BatchController::BatchController(AcquisitionController& acquisition, AppSettings* appSettings,
+                                 std::filesystem::path appDir, std::string programFolder,
+                                 BatchHooks hooks)
+    : m_acq(acquisition), m_appSettings(appSettings), m_appDir(std::move(appDir)),
+      m_programFolder(std::move(programFolder)), m_hooks(std::move(hooks)) {
+    m_acq.setBatchHandlers({[this] { DoBatch(); }, [this] { abortByUser(); }});
+}
+
+BatchPanelTexts BatchController::panelTexts() const {
+    return MakeBatchPanelTexts(m_acq.bBatchMode(), m_bBatchWaiting,
+                               static_cast<float>(m_settings.lBatchWait) - m_sngBatchWaited,
+                               m_nBatchIndex, m_settings.bBatchUntilStop, m_settings.nBatchCount);
+}
+
+void BatchController::refresh(int code) {
+    if (m_hooks.refreshMainWindow)
+        m_hooks.refreshMainWindow(code);
+}
+
+void BatchController::setWaitTimer(bool enabled) {
+    m_waitTimer = enabled;
+    if (m_hooks.setWaitTimer)
+        m_hooks.setWaitTimer(enabled);
+}
+
+void BatchController::resetCounters() {
+    m_nBatchIndex = 0;
+    m_bBatchStarted = false;
+    m_bBatchWaiting = false;
+    m_sngBatchWaited = 0.0f;
+}
+
+void BatchController::begin(const BatchSettings& settings) {
+    m_settings = settings;
+    if (m_appSettings) {
+        m_appSettings->BatchDataDir = settings.szBatchDir;
+        if (!SaveSettings(*m_appSettings, true, m_appDir))
+            m_acq.messages().exclamation("Could not write the settings file " +
+                                         SettingsFilePath(m_appDir).string());
+    }
+    setWaitTimer(false);
+    resetCounters();
+    DoBatch();
+}
+
+void BatchController::DoBatch() {
+    if (!m_acq.connected()) {
+        m_acq.messages().exclamation("No MCA connection", "Batch Error");
+        // Nothing can be measured any more; end the sequence instead of leaving it on.
+        if (m_acq.bBatchMode())
+            StopBatch();
+        return;
+    }
+    if (m_bBatchWaiting)
+        return;
+    if (m_bBatchStarted) {
+        saveMeasurement();
+        // 32767 is the largest index a file name can carry; an endless batch ends there.
+        if ((!m_settings.bBatchUntilStop && m_nBatchIndex >= m_settings.nBatchCount) ||
+            m_nBatchIndex == INT16_MAX) {
+            StopBatch();
+            return;
+        }
+        if (m_settings.bBatchClear) {
+            m_acq.clear();
+            if (!m_acq.bBatchMode())
+                return; // the device went away while clearing; the batch has ended
+        }
+        if (m_settings.bBatchWait) {
+            m_bBatchWaiting = true;
+            m_sngBatchWaited = 0.0f;
+            setWaitTimer(true);
+            refresh(kRefreshOptionsBatch);
+            return;
+        }
+    } else {
+        m_bBatchStarted = true; // the first pass only starts measurement 1
+    }
+    startMeasurement();
+}
+
+void BatchController::saveMeasurement() {
+    SpectrumDocument& doc = m_acq.document();
+    ++m_nBatchIndex;
+    m_lastFile = BatchFileName(m_settings, doc.szSpectrumID, m_nBatchIndex, m_acq.now());
+    std::string error;
+    const bool saved = bSaveFullSpectrum(doc, m_lastFile, &error);
+    if (!saved)
+        m_acq.messages().exclamation("Error saving file: " + error);
+    if (m_hooks.fileSaved)
+        m_hooks.fileSaved(m_lastFile, saved);
+    if (m_settings.bBatchProc && m_appSettings)
+        RunExternalProcessing(doc, ProcessSettingsFrom(*m_appSettings), m_acq.messages(),
+                              m_programFolder, m_acq.now());
+}
+
+void BatchController::startMeasurement() {
+    m_acq.setBatchMode(true);
+    m_acq.DisplayStatus();
+    refresh(kRefreshAcquisition);
+    refresh(kRefreshOptionsBatch);
+    if (m_hooks.processEvents)
+        m_hooks.processEvents();
+    // A refused start (its error already shown) would otherwise be found "stopped" by
+    // the next tick and saved again as a new measurement.
+    if (m_acq.bBatchMode() && !m_acq.start())
+        StopBatch();
+}
+
+void BatchController::StopBatch() {
+    setWaitTimer(false);
+    m_bBatchWaiting = false;
+    m_sngBatchWaited = 0.0f;
+    m_acq.setBatchMode(false);
+    refresh(kRefreshAcquisition);
+    refresh(kRefreshOptionsBatch);
+}
+
+void BatchController::abortByUser() {
+    setWaitTimer(false);
+    resetCounters();
+    m_acq.setBatchMode(false);
+    refresh(kRefreshOptionsBatch);
+}
+
+void BatchController::tmrBatchWait() {
+    if (!m_waitTimer)
+        return;
+    if (m_bBatchStarted && m_bBatchWaiting)
+        m_sngBatchWaited += kBatchWaitStepSeconds;
+    m_acq.DisplayStatus();
+    if (!m_waitTimer)
+        return; // the poll found the device gone and the batch has ended
+    refresh(kRefreshOptionsBatch);
+    if (m_hooks.processEvents)
+        m_hooks.processEvents();
+    if (m_sngBatchWaited >= static_cast<float>(m_settings.lBatchWait)) {
+        setWaitTimer(false);
+        m_bBatchWaiting = false;
+        m_sngBatchWaited = 0.0f;
+        refresh(kRefreshAcquisition);
+        startMeasurement();
+    }
+}
+
+} // namespace vexo

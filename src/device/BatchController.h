@@ -1,0 +1,103 @@
+#pragma once
+// The batch sequence: each time the device stops at its preset the spectrum is saved
+// under a generated name, optionally processed, optionally cleared, optionally followed
+// by a waiting interval (tmrBatchWait, 500 ms), and the next measurement started, until
+// the set number is reached or the user stops. The refresh tick of the acquisition
+// controller calls DoBatch when it finds the device stopped in batch mode.
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "device/AcquisitionController.h"
+#include "device/BatchSettings.h"
+#include "shell/AppSettings.h"
+
+namespace vexo {
+
+constexpr int kBatchWaitIntervalMs = 500; // tmrBatchWait
+constexpr float kBatchWaitStepSeconds = 0.5f;
+
+// What the batch asks of its owner; an empty hook is skipped.
+struct BatchHooks {
+    std::function<void(int code)> refreshMainWindow; // RefreshMainWindow(code)
+    std::function<void(bool enabled)> setWaitTimer;  // tmrBatchWait
+    std::function<void()> processEvents;             // let pending window events run
+    // After each save attempt: the file's path and whether it was written.
+    std::function<void(const std::string& path, bool saved)> fileSaved;
+};
+
+// The batch panel and the batch counter panel.
+struct BatchPanelTexts {
+    std::string batch;   // "BATCH ON (Waiting : 2.5)", "BATCH ON", "BATCH OFF"
+    std::string counter; // "Acq. done: 3 of 10", "Acq. done: 3", "" when no batch runs
+};
+
+class BatchController {
+public:
+    // `appSettings` may be null: then the batch folder is not remembered in the settings
+    // file and the processing command is never run. `programFolder` is where processing
+    // falls back to for empty folders. Registers itself with `acquisition` for DoBatch and
+    // for the Stop confirmation; both must outlive each other's use.
+    BatchController(AcquisitionController& acquisition, AppSettings* appSettings,
+                    std::filesystem::path appDir, std::string programFolder,
+                    BatchHooks hooks = {});
+
+    void setHooks(BatchHooks hooks) { m_hooks = std::move(hooks); }
+
+    // frmBatch's Start with settings that passed ValidateBatchStart: keeps them, stores
+    // BatchDataDir in the settings file (batch keys only), resets the counters and takes
+    // the first step (DoBatch), which starts measurement 1.
+    void begin(const BatchSettings& settings);
+
+    // One step of the sequence (see the file comment). No device: "No MCA connection"
+    // ("Batch Error", exclamation) and the batch ends. Waiting: nothing. A save that fails
+    // is reported ("Error saving file: " + reason) and the sequence goes on.
+    void DoBatch();
+
+    // Ends the sequence: bBatchMode = false, wait timer off; the acquisition stays stopped.
+    void StopBatch();
+
+    // One tmrBatchWait tick: 0.5 s more waited, status and panels shown, and at the end
+    // of the interval the timer is switched off and the next measurement started.
+    void tmrBatchWait();
+
+    bool waitTimerEnabled() const { return m_waitTimer; }
+    bool bBatchMode() const { return m_acq.bBatchMode(); }
+    bool bBatchStarted() const { return m_bBatchStarted; }
+    bool bBatchWaiting() const { return m_bBatchWaiting; }
+    float sngBatchWaited() const { return m_sngBatchWaited; }
+    int16_t nBatchIndex() const { return m_nBatchIndex; }
+    const BatchSettings& settings() const { return m_settings; }
+    const std::string& lastFile() const { return m_lastFile; }
+
+    BatchPanelTexts panelTexts() const;
+
+private:
+    void abortByUser();
+    void resetCounters();
+    void setWaitTimer(bool enabled);
+    void refresh(int code);
+    void saveMeasurement();
+    void startMeasurement();
+
+    AcquisitionController& m_acq;
+    AppSettings* m_appSettings;
+    std::filesystem::path m_appDir;
+    std::string m_programFolder;
+    BatchHooks m_hooks;
+    BatchSettings m_settings;
+
+    int16_t m_nBatchIndex = 0;
+    bool m_bBatchStarted = false;
+    bool m_bBatchWaiting = false;
+    float m_sngBatchWaited = 0.0f;
+    bool m_waitTimer = false;
+    std::string m_lastFile;
+};
+
+// The two panel texts for a batch state; `waitRemainingSeconds` counts only while waiting.
+BatchPanelTexts MakeBatchPanelTexts(bool batchOn, bool waiting, float waitRemainingSeconds,
+                                    int done, bool untilStop, int count);
+
+} // namespace vexo

@@ -20,6 +20,25 @@ double AxisValue(int32_t ch, XUnit unit, const PlotState& plot, float sngDwellTi
     return ch;
 }
 
+int32_t ChannelAtAxisValue(double value, int32_t first, int32_t last, XUnit unit,
+                           const PlotState& plot, float sngDwellTime) {
+    if (first >= last) return first;
+    auto at = [&](int32_t ch) { return AxisValue(ch, unit, plot, sngDwellTime); };
+    const bool rising = at(last) >= at(first);
+    // Binary search for the first channel at or past `value`, then take the nearer
+    // of it and its neighbour below.
+    int32_t lo = first, hi = last;
+    while (lo < hi) {
+        const int32_t mid = lo + (hi - lo) / 2;
+        if (rising ? at(mid) < value : at(mid) > value)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    if (lo > first && std::abs(at(lo - 1) - value) <= std::abs(at(lo) - value)) return lo - 1;
+    return lo;
+}
+
 double TransformCount(double counts, YScale scale) {
     switch (scale) {
     case YScale::Linear: return counts;

@@ -22,6 +22,12 @@ enum class YScale { Log = 0, Linear = 1, Sqrt = 2 };
 // calibration copy (evaluated in 32-bit floats, as the plot holds it), or ch × dwell.
 double AxisValue(int32_t ch, XUnit unit, const PlotState& plot, float sngDwellTime);
 
+// The channel of first … last whose axis value lies nearest `value` (a mouse position
+// read back from the axis). Assumes the axis rises with the channel, as every
+// calibration in use does; a falling axis is searched the other way round.
+int32_t ChannelAtAxisValue(double value, int32_t first, int32_t last, XUnit unit,
+                           const PlotState& plot, float sngDwellTime);
+
 // The plotted height of a count. Linear: the count. Log: log10 of the count, with
 // counts below 1 drawn at 0 (the bottom of the log axis). Sqrt: the square root, with
 // negative counts at 0.

@@ -197,3 +197,21 @@ TEST(Calibrate, NarrowsToSingleAndMcsUsesDwell) {
     EXPECT_EQ(c.caption, "Channels");
     EXPECT_FALSE(doc.plot.bUseCalibration);
 }
+
+TEST(ChannelAtAxisValue, InvertsEachUnit) {
+    PlotState plot;
+    plot.sngOffset = 10.0f;
+    plot.sngSlope = 0.5f;
+    plot.sngQuad = 1e-5f;
+    for (int32_t ch : {0, 1, 517, 4095}) {
+        EXPECT_EQ(ChannelAtAxisValue(ch, 0, 4095, XUnit::Channels, plot, 0.0f), ch);
+        const double e = AxisValue(ch, XUnit::Energy, plot, 0.0f);
+        EXPECT_EQ(ChannelAtAxisValue(e + 0.1, 0, 4095, XUnit::Energy, plot, 0.0f), ch);
+        EXPECT_EQ(ChannelAtAxisValue(ch * 0.25 - 0.1, 0, 4095, XUnit::Time, plot, 0.25f), ch);
+    }
+    EXPECT_EQ(ChannelAtAxisValue(-100.0, 20, 300, XUnit::Channels, plot, 0.0f), 20);
+    EXPECT_EQ(ChannelAtAxisValue(1e9, 20, 300, XUnit::Channels, plot, 0.0f), 300);
+    plot.sngSlope = -1.0f;
+    plot.sngQuad = 0.0f;
+    EXPECT_EQ(ChannelAtAxisValue(10.0 - 40.0, 0, 100, XUnit::Energy, plot, 0.0f), 40);
+}

@@ -55,10 +55,17 @@ public:
     // The stored background per channel, before the read rule.
     float sBkgValStored() const { return m_sBkgVal; }
 
-    // Analyses the ROI on `lCounts` (`countsSize` slots, normally 16385) with `cal` for
-    // energies and `sTime` seconds for rates. `nBkgChn` is set to 2 first. Returns false
-    // when the ROI lies outside the array or a half-maximum crossing is flat; throws
-    // OverflowError or FloatingPointError on an arithmetic fault (results unchanged).
+    // Analyses the ROI on `lCounts` (`countsSize` slots, normally 16385, so the upper
+    // bound Ub is countsSize - 1 whatever the number of channels in use) with `cal` for
+    // energies and `sTime` seconds for rates (0 or less: all rates 0). `nBkgChn` is set to
+    // 2 and `rates.sIntRate` to 0 first; the three rates are handed out only on success.
+    // Returns false when the ROI does not lie inside 0..Ub (nothing stored) or when a
+    // half-maximum crossing meets two equal counts (previous results kept, edge energies
+    // already new). Throws OverflowError when a 32-bit sum or product, a 16-bit channel
+    // counter or a float conversion overflows, FloatingPointError on a division by zero or
+    // a non-finite result, and SubscriptError when the width search or the interpolation
+    // would read outside 0..Ub; after any of them the edge energies may be new but no other
+    // result has changed.
     bool bComputeROI(float sTime, int16_t& nBkgChn, const int32_t* lCounts, std::size_t countsSize,
                      const EnergyCalibration& cal, RoiRates& rates);
 
@@ -89,7 +96,10 @@ private:
 };
 
 // Background level at position x by a straight line through the averaged `m` neighbours
-// on each side of L..R; -1 when both averaged positions coincide.
+// on each side of L..R. Channel 0 never counts on the left, and on the right only channels
+// strictly below Ub = countsSize - 1; the sums are divided by m even when neighbours were
+// missing. -1 when both averaged positions coincide. Throws FloatingPointError for m = 0,
+// SubscriptError for a neighbour outside the array.
 float BkgAtPosition(int32_t L, int32_t R, int16_t m, float x, const int32_t* lCounts,
                     std::size_t countsSize);
 

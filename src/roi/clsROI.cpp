@@ -71,7 +71,7 @@ int32_t FloorToInt32(float x) {
     return static_cast<int32_t>(f);
 }
 
-// Step 3: one sweep over L..R with a 16-bit channel counter.
+// One sweep over L..R with a 16-bit channel counter.
 struct Sweep {
     int32_t S = 0;       // integral
     double W = 0.0;      // counts weighted by channel + 1
@@ -105,7 +105,7 @@ Sweep SweepRoi(const CountsView& y, int32_t L, int32_t R) {
 // Mean of two counts, rounded ties to even; the sum is 32-bit.
 int32_t RoundedMean(int32_t a, int32_t b) { return CLng(AddChecked(a, b) / 2.0); }
 
-// Step 6: background level left of the ROI.
+// Background level left of the ROI.
 int32_t LeftLevel(const CountsView& y, int32_t L) {
     if (L < 1)
         return 0;
@@ -114,7 +114,7 @@ int32_t LeftLevel(const CountsView& y, int32_t L) {
     return RoundedMean(y.at(static_cast<int64_t>(L) - 2), y.at(static_cast<int64_t>(L) - 1));
 }
 
-// Step 7: background level right of the ROI.
+// Background level right of the ROI.
 int32_t RightLevel(const CountsView& y, int32_t R) {
     const int64_t ub = y.ub();
     if (R > ub - 1)
@@ -124,7 +124,7 @@ int32_t RightLevel(const CountsView& y, int32_t R) {
     return RoundedMean(y.at(static_cast<int64_t>(R) + 2), y.at(static_cast<int64_t>(R) + 1));
 }
 
-// Step 8: trapezoid over R - L + 3 channels; width and level sum are 32-bit products.
+// Total background: a trapezoid over R - L + 3 channels; width and level sum are 32-bit products.
 int32_t TotalBackground(int32_t L, int32_t R, int32_t bL, int32_t bR) {
     const int32_t span = AddChecked(SubChecked(R, L), 3);
     return CLng(MulChecked(span, AddChecked(bL, bR)) / 2.0);
@@ -152,7 +152,7 @@ Crossing InterpolateCrossing(const CountsView& y, int32_t j, double H) {
     return c;
 }
 
-// Step 11.5: first j in L..floor(c)+10 (j >= 1) with y(j-1) >= H.
+// Left half-maximum crossing: first j in L..floor(c)+10 (j >= 1) with y(j-1) >= H.
 Crossing LeftCrossing(const CountsView& y, int32_t L, int32_t k, double H) {
     const int16_t first = NarrowInt16(L);
     const int16_t last = NarrowInt16(static_cast<int64_t>(k) + 10);
@@ -165,7 +165,7 @@ Crossing LeftCrossing(const CountsView& y, int32_t L, int32_t k, double H) {
     return {};
 }
 
-// Step 11.6: first j in floor(c)..R (j <= Ub - 1) with y(j-1) <= H.
+// Right half-maximum crossing: first j in floor(c)..R (j <= Ub - 1) with y(j-1) <= H.
 Crossing RightCrossing(const CountsView& y, int32_t k, int32_t R, double H) {
     const int16_t first = NarrowInt16(k);
     const int16_t last = NarrowInt16(R);
@@ -178,7 +178,7 @@ Crossing RightCrossing(const CountsView& y, int32_t k, int32_t R, double H) {
     return {};
 }
 
-// Step 11: net height at the centroid and FWHM in channels, in double; they become
+// Net height at the centroid and FWHM in channels, in double; they become
 // floats only when stored.
 struct PeakShape {
     bool flat = false; // a crossing met two equal counts
@@ -215,6 +215,38 @@ PeakShape MeasurePeak(const CountsView& y, int32_t L, int32_t R, float c) {
     }
     p.F = CheckFinite(right.x - left.x);
     return p;
+}
+
+// Count rates over `sTime` seconds; all 0 when no time is known.
+RoiRates RatesOf(int32_t S, int32_t N, int32_t B, float sTime) {
+    RoiRates r;
+    if (sTime > 0.0f) {
+        r.sIntRate = CSng(Divide(S, sTime));
+        r.sNetRate = N > 0 ? CSng(Divide(N, sTime)) : 0.0f;
+        r.sBkgRate = CSng(Divide(B, sTime));
+    }
+    return r;
+}
+
+// Centroid energy, FWHM in energy and FWHM in percent of the centroid energy.
+struct WidthEnergies {
+    float sCentEn = 0.0f;
+    float sFWHMen = 0.0f; // as stored, before the read rule
+    float sFWHMp = 0.0f;
+};
+
+WidthEnergies WidthEnergiesOf(float c, double F, const EnergyCalibration& cal) {
+    WidthEnergies w;
+    // The width in energy is taken between whole channels, rounded ties to even.
+    const double halfF = F / 2.0;
+    const double fwhmEn =
+        ChannelToEnergy(CLng(c + halfF), cal) - ChannelToEnergy(CLng(c - halfF), cal);
+    w.sCentEn = CSng(ChannelToEnergy(CLng(c), cal));
+    w.sFWHMen = CSng(CheckFinite(fwhmEn));
+    // The percentage uses the centroid energy and the width as their properties read them.
+    const float readFWHMen = w.sFWHMen > 0.0f ? w.sFWHMen : 0.0f;
+    w.sFWHMp = w.sCentEn > 0.0f ? CSng(Divide(100.0 * readFWHMen, w.sCentEn)) : 0.0f;
+    return w;
 }
 
 } // namespace
@@ -273,28 +305,15 @@ bool clsROI::bComputeROI(float sTime, int16_t& nBkgChn, const int32_t* lCounts,
         N = 0;
     const float b1 = CSng(Divide(B, sw.n));
 
-    RoiRates out; // all 0 when no time is known
-    if (sTime > 0.0f) {
-        out.sIntRate = CSng(Divide(sw.S, sTime));
-        out.sNetRate = N > 0 ? CSng(Divide(N, sTime)) : 0.0f;
-        out.sBkgRate = CSng(Divide(B, sTime));
-    }
-
+    const RoiRates out = RatesOf(sw.S, N, B, sTime);
     const PeakShape peak = MeasurePeak(y, L, R, c);
     if (peak.flat)
         return false;
-
-    // Step 12: the width in energy is taken between whole channels (ties to even).
-    const double halfF = peak.F / 2.0;
-    const double fwhmEn = ChannelToEnergy(CLng(c + halfF), cal) - ChannelToEnergy(CLng(c - halfF), cal);
-    const float sCentEn = CSng(ChannelToEnergy(CLng(c), cal));
-    const float sFWHMen = CSng(CheckFinite(fwhmEn));
+    // Everything is converted before the first result is stored, so that a fault leaves
+    // every result as it was.
+    const WidthEnergies en = WidthEnergiesOf(c, peak.F, cal);
     const float sCentInt = CSng(peak.h);
     const float sFWHMch = CSng(peak.F);
-    // Step 14 reads the centroid energy and the width through the read rule; it is worked
-    // out before anything is stored so that a fault leaves every result as it was.
-    const float readFWHMen = sFWHMen > 0.0f ? sFWHMen : 0.0f;
-    const float sFWHMp = sCentEn > 0.0f ? CSng(Divide(100.0 * readFWHMen, sCentEn)) : 0.0f;
 
     m_sBkgVal = b1;
     m_lBkgIntVal = B;
@@ -303,11 +322,12 @@ bool clsROI::bComputeROI(float sTime, int16_t& nBkgChn, const int32_t* lCounts,
     m_lMax = sw.M;
     m_nChnMax = sw.chnMax;
     m_sCentCh = c;
-    m_sCentEn = sCentEn;
+    m_sCentEn = en.sCentEn;
     m_sCentInt = sCentInt;
     m_sFWHMch = sFWHMch;
-    m_sFWHMen = sFWHMen;
-    m_sFWHMp = sFWHMp;
+    m_sFWHMen = en.sFWHMen;
+    m_sFWHMp = en.sFWHMp;
+    // The kept rates belong to the results and change with them.
     m_sIntCps = out.sIntRate;
     m_sNetCps = out.sNetRate;
     rates = out;

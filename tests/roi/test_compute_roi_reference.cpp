@@ -1,4 +1,4 @@
-// bComputeROI against a plain reference written directly from the analysis steps, on
+// bComputeROI against a plain reference written directly from the analysis rules, on
 // seeded random Gaussian peaks over sloped backgrounds with Poisson noise.
 #include <gtest/gtest.h>
 

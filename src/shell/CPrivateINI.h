@@ -26,10 +26,13 @@ namespace vexo {
 
 class CPrivateINI {
 public:
-    // Removes the key from the section (an empty name stands for one blank, and so on
-    // below: a blank name trims to the empty name).
+    // Except in GetKeys, an empty section or key argument is passed on as one blank, which
+    // trims to the empty name: "" addresses the section "[]" or the key of "=value".
+
+    // Removes the key from the section: every line of it in the first section of that
+    // name.
     void DeleteKey(const std::string& SectionName, const std::string& KeyName);
-    // Removes the section with all its keys.
+    // Removes the section with all its keys, and every other section of the same name.
     void DeleteSection(const std::string& SectionName);
     // Every "key=value" line of the section, in file order; empty for a missing section.
     std::vector<std::string> GetEntries(const std::string& SectionName);

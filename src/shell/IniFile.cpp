@@ -137,12 +137,13 @@ IniFile IniFile::FromText(std::string_view ansiText) {
 }
 
 std::optional<IniFile> IniFile::Load(const std::filesystem::path& path) {
-    std::error_code ec;
-    if (!std::filesystem::exists(path, ec))
-        return IniFile{};
     auto text = ReadTextFile(path);
-    if (!text)
+    if (!text) {
+        std::error_code ec;
+        if (!std::filesystem::exists(path, ec))
+            return IniFile{};
         return std::nullopt;
+    }
     return FromText(Utf8ToWin1252(*text));
 }
 

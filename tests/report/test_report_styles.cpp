@@ -98,9 +98,14 @@ TEST_F(ReportStylesTest, TitleBorderBeyond16BitsOverflows) {
 }
 
 TEST(ResolveReportStyle, FirstExactSectionNameFromPlaceZero) {
+    auto named = [](const char* section, int16_t index) {
+        ReportStyle style;
+        style.sectionName = section;
+        style.index = index;
+        return style;
+    };
     ReportStyleList list;
-    list.styles = {ReportStyle{}, ReportStyle{"Plain", "Plain", 1}, ReportStyle{"Blue", "", 2},
-                   ReportStyle{"Blue", "second", 3}};
+    list.styles = {ReportStyle{}, named("Plain", 1), named("Blue", 2), named("Blue", 3)};
     list.highestIndex = 3;
     EXPECT_EQ(ResolveReportStyle(list, "Blue").index, 2);
     EXPECT_EQ(ResolveReportStyle(list, "Plain").index, 1);

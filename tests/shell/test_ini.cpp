@@ -165,6 +165,14 @@ TEST_F(IniTest, EnumeratesInFileOrder) {
     EXPECT_EQ(ini.GetKeys(""), (Strings{"B", "A"}));
 }
 
+TEST_F(IniTest, EmptyNamesAddressTheEmptySectionAndKey) {
+    auto& ini = file("[]\r\n=v\r\n[S]\r\nk=1\r\n");
+    EXPECT_EQ(ini.GetValue("", "", "d"), "v");
+    EXPECT_EQ(ini.GetSections(), Strings{"S"}); // the nameless section is not listed
+    ini.PutValue("", "", "");
+    EXPECT_EQ(bytes(), "[]\r\n= \r\n[S]\r\nk=1\r\n");
+}
+
 TEST_F(IniTest, EmptyOrMissingFileHasNothing) {
     EXPECT_EQ(file("").GetSections(), Strings{});
     EXPECT_EQ(file("\r\n; only a comment\r\n").GetSections(), Strings{});

@@ -1,0 +1,84 @@
+#include "CliHelpers.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+#include "CliCommand.h"
+#include "shell/NumberFormat.h"
+#include "spectrum/NumberParse.h"
+
+namespace vexo::cli {
+
+const std::string& ArgCursor::value(const std::string& name) {
+    if (done())
+        throw UsageError{name + " needs a value"};
+    return next();
+}
+
+double NumberArg(const std::string& text, const std::string& what) {
+    auto value = StrictDouble(text);
+    if (!value)
+        throw UsageError{what + " is not a number: '" + text + "'"};
+    return *value;
+}
+
+int32_t IntegerArg(const std::string& text, const std::string& what) {
+    double value = NumberArg(text, what);
+    if (value != std::floor(value) || value < -2147483648.0 || value > 2147483647.0)
+        throw UsageError{what + " is not a 32-bit integer: '" + text + "'"};
+    return static_cast<int32_t>(value);
+}
+
+std::vector<std::string> SplitArg(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (;;) {
+        std::size_t cut = text.find(separator, start);
+        parts.push_back(text.substr(start, cut - start));
+        if (cut == std::string::npos)
+            return parts;
+        start = cut + 1;
+    }
+}
+
+nlohmann::ordered_json JsonSingle(float value) {
+    if (!std::isfinite(value))
+        return nullptr;
+    // The shortest text reads back as the same float; as a double it is the short
+    // decimal the user expects to see.
+    std::string text = ShortestSingleText(value);
+    double shortest = value;
+    std::from_chars(text.data(), text.data() + text.size(), shortest);
+    return shortest;
+}
+
+nlohmann::ordered_json JsonDouble(double value) {
+    if (!std::isfinite(value))
+        return nullptr;
+    return value;
+}
+
+void PrintJson(const nlohmann::ordered_json& json) {
+    std::printf("%s\n", json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+}
+
+OpenedSpectrum OpenForCli(const std::string& path) {
+    OpenedSpectrum opened;
+    opened.doc = std::make_unique<SpectrumDocument>();
+    opened.result = OpenSpectrum(*opened.doc, path);
+    if (!opened.result.opened)
+        throw Failure{"cannot read " + path + ": " + opened.result.error};
+    if (!opened.result.error.empty())
+        throw Failure{"reading " + path + " as plain counts stopped: " + opened.result.error};
+    return opened;
+}
+
+int64_t ChannelSum(const SpectrumDocument& doc) {
+    int64_t sum = 0;
+    for (int32_t i = 0; i < doc.lChannels && i < static_cast<int32_t>(COUNTS_SLOTS); ++i)
+        sum += doc.lCounts[static_cast<std::size_t>(i)];
+    return sum;
+}
+
+} // namespace vexo::cli

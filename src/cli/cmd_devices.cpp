@@ -20,9 +20,10 @@ const char* kUsage =
     "Searches for analysers through the device library and lists them.\n"
     "  --ticks N      search timer ticks to run (default 3); rows appear from the second\n"
     "  --interval MS  wait between ticks in milliseconds (default 1000, as the window)\n"
-    "  --json         print a JSON array of {No, Name, Path, Serial, Type, DetectorPath}\n"
-    "Path is the library's device path, what 'vexo-cli params --device' takes;\n"
-    "DetectorPath is the remembered form with its \"HID:\"/\"USB:\"/\"ETH:\" type prefix.\n"
+    "  --json         print a JSON array of {No, Name, Path, Serial, Type, Location}\n"
+    "Path is the device as \"DetectorPath\" remembers it: a \"HID:\", \"USB:\" or \"ETH:\"\n"
+    "type prefix and the library's device path (Location); 'vexo-cli params --device'\n"
+    "takes either form.\n"
     "The library is VEXO_DEVICE_LIBRARY, else libKORVHW.so beside the program, else the\n"
     "system's search path.";
 
@@ -70,10 +71,10 @@ void PrintRows(const std::vector<DeviceRow>& rows, bool json) {
         for (const DeviceRow& row : rows)
             list.push_back({{"No", row.No},
                             {"Name", row.Name},
-                            {"Path", row.Path},
+                            {"Path", DetectorPathFor(row.Type, row.Path)},
                             {"Serial", row.Serial},
                             {"Type", row.Type},
-                            {"DetectorPath", DetectorPathFor(row.Type, row.Path)}});
+                            {"Location", row.Path}});
         std::printf("%s\n", list.dump(2).c_str());
         return;
     }

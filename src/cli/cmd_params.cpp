@@ -11,6 +11,7 @@
 #include "CliCommand.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
+#include "device/DeviceSearch.h"
 #include "shell/Messages.h"
 #include "shell/NumberFormat.h"
 #include "spectrum/SpectrumDocument.h"
@@ -21,9 +22,11 @@ namespace {
 const char* kUsage =
     "usage: vexo-cli params --device PATH [--json]\n"
     "\n"
-    "Opens the analyser at PATH (a Path of 'vexo-cli devices'), reads its identity and\n"
-    "every parameter, and prints them with the record's field names; then closes it.\n"
+    "Opens the analyser at PATH, reads its identity and every parameter, and prints\n"
+    "them with the record's field names; then closes it.\n"
     "  --json  print one JSON object instead of 'name = value' lines\n"
+    "PATH is a Path of 'vexo-cli devices' (\"USB:KORV-10-001\", as \"DetectorPath\" keeps\n"
+    "it) or the bare library path (its Location).\n"
     "Device errors are reported on stderr as the program's messages.";
 
 struct Options {
@@ -128,8 +131,12 @@ int Run(const std::vector<std::string>& args) {
         throw Failure{load.error};
     auto doc = std::make_unique<SpectrumDocument>(); // the counts array is large
     StderrMessages messages;
-    std::fprintf(stderr, "opening %s\n", o.device.c_str());
-    OpenMca(*load.library, *doc, messages, ConnectionHooks{}, o.device, std::string(), true);
+    // A remembered detector path opens as the start-up connection opens it: without its
+    // type prefix.
+    const DetectorPathParts parts = SplitDetectorPath(o.device);
+    const std::string libraryPath = parts.path.empty() ? o.device : parts.path;
+    std::fprintf(stderr, "opening %s\n", libraryPath.c_str());
+    OpenMca(*load.library, *doc, messages, ConnectionHooks{}, libraryPath, std::string(), true);
     if (!doc->bConnected)
         return kExitFailure; // the reason was printed as the program's message
     doc->szDevicePath = o.device;

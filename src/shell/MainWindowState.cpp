@@ -54,7 +54,7 @@ void FullRefresh(UpdateBuilder& u) {
     u.scaleButtons();
     u.show(ToolButton::tbProcess, f.externalProcessing);
     u.panel(StatusPanel::Connection, "Not connected");
-    for (StatusPanel p : {StatusPanel::File, StatusPanel::Status, StatusPanel::Elapsed,
+    for (StatusPanel p : {StatusPanel::File, StatusPanel::Status, StatusPanel::Preset, StatusPanel::Elapsed,
                           StatusPanel::CountRate, StatusPanel::Icr, StatusPanel::Batch,
                           StatusPanel::BatchCounter})
         u.panel(p, "");

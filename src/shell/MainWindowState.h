@@ -56,8 +56,8 @@ struct ButtonUpdate {
 };
 
 // The status-bar panels and the texts an update puts into them.
-enum class StatusPanel { Connection, File, Status, Elapsed, CountRate, Icr, Batch, BatchCounter };
-constexpr int kStatusPanelCount = 8;
+enum class StatusPanel { Connection, File, Status, Preset, Elapsed, CountRate, Icr, Batch, BatchCounter };
+constexpr int kStatusPanelCount = 9;
 
 struct PanelText {
     StatusPanel panel;

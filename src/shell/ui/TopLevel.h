@@ -1,0 +1,179 @@
+#pragma once
+// The main window: owns the program-wide record, the settings, the two plots, the
+// device controllers and the three timers, and keeps its menus, toolbar and status
+// bar in step with them through RefreshMainWindow. Every rule it applies comes from the
+// core (MainWindowState, PlotModel, the controllers); this class only wires widgets.
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+#include <array>
+#include <filesystem>
+#include <map>
+#include <memory>
+
+#include "shell/AppSettings.h"
+#include "shell/MainWindowState.h"
+#include "shell/PlotModel.h"
+#include "spectrum/SpectrumDocument.h"
+
+class QAction;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QToolBar;
+
+namespace vexo {
+
+class AcquisitionController;
+class AutoConnect;
+class BatchController;
+class ConnectionController;
+class DeviceLibrary;
+class Messages;
+class QtMessages;
+class ScopeController;
+class SpectrumPlot;
+class frmAutoConnect;
+
+class TopLevel : public QMainWindow {
+    Q_OBJECT
+public:
+    // `appDir` holds "Vexo.ini". `messages` answers every message (tests pass a script);
+    // null means message boxes over this window.
+    explicit TopLevel(const std::filesystem::path& appDir, Messages* messages = nullptr);
+    ~TopLevel() override;
+
+    // The public operations the dialogs and controllers use.
+    void RefreshMainWindow(int code);
+    void UpdateMenu();
+    void DisplaySpectrum(); // hand the counts to both plots and redraw
+    void Calibrate();
+    void SetCursor(int32_t channel);
+    void UpdateInfo();
+
+    // File commands without their dialogs. True on success; failures are reported.
+    bool openSpectrum(const QString& path);
+    bool saveSpectrum(const QString& path);
+    bool saveAllSpectrum(const QString& path);
+
+    // View commands.
+    void zoomIn();
+    void zoomOut();
+    void setGraphType(int graphType); // 1 dots, 2 lines, 3 histogram
+    void setYScale(int mode);         // 0 log, 1 linear, 2 square root
+    void showChannels();
+    void showEnergy();
+    void showTime();
+
+    // A toolbar click, by the button's key ("tbConnect" ...).
+    void dispatchToolButton(const QString& key);
+
+    // Device commands.
+    void connectDevice();
+    void disconnectDevice();
+    void startAcquisition();
+    void stopAcquisition();
+    void clearAcquisition();
+    void showDeviceInfo();
+
+    SpectrumDocument& document() { return m_doc; }
+    AppSettings& settings() { return m_settings; }
+    const std::filesystem::path& appDir() const { return m_appDir; }
+    Messages& messages() { return *m_messages; }
+    SpectrumPlot* DataPlot41() const { return m_plot41; }
+    SpectrumPlot* DataPlot42() const { return m_plot42; }
+    const ZoomState& zoom() const { return m_zoom; }
+    XUnit xUnit() const { return m_xUnit; }
+    // A menu item or toolbar button by its key ("mnuFileOpen", "tbStart").
+    QAction* action(const QString& key) const;
+    QString panelText(StatusPanel panel) const;
+    QStringList infoTexts() const; // cursor read-out lines and the ROI panel
+    QLineEdit* spectrumIdBox() const { return m_txtSpectrumID; }
+    MainWindowFlags flags() const;
+    AcquisitionController* acquisition() const { return m_acq.get(); }
+    BatchController* batch() const { return m_batch.get(); }
+    QTimer& refreshTimer() { return m_tmrRefresh; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    // Layout (TopLevelLayout.cpp).
+    void buildMenus();
+    void buildFileMenu();
+    void buildViewMenu();
+    void buildDeviceMenus();
+    void buildToolbar();
+    void buildStatusBar();
+    void buildCentral();
+    QAction* addItem(QMenu* menu, const char* key, const QString& caption,
+                     void (TopLevel::*slot)(), const QKeySequence& shortcut = {});
+    void layoutPlots();
+
+    // Start-up and shut-down (TopLevel.cpp).
+    void startUp();
+    void restorePlacement();
+    void storePlacement();
+    void createControllers();
+    void applyUpdate(const MainWindowUpdate& update);
+    void showAcquisitionTexts();
+    void startAutoConnect();
+    void tmrConnect();
+    void applyXUnit(const AxisSetup& setup);
+    void addRecentFile(const QString& path);
+    void rebuildRecentMenu();
+    bool needDevice();
+
+    // Dialog commands (TopLevelCommands.cpp).
+    void mnuFileOpen();
+    void mnuFileSave();
+    void mnuFileSaveAll();
+    void mnuToolsProcess();
+    void mnuROIClearAll();
+    void mnuROISave();
+    void mnuHelpAbout();
+    void onCursorMoved(int channel);
+
+    std::filesystem::path m_appDir;
+    std::unique_ptr<QtMessages> m_ownMessages;
+    Messages* m_messages;
+    SpectrumDocument m_doc;
+    AppSettings m_settings;
+    FormLocation m_location;
+    ZoomState m_zoom;
+    XUnit m_xUnit = XUnit::Channels;
+    bool m_scopeShown = false;
+
+    std::unique_ptr<DeviceLibrary> m_lib;
+    std::string m_libError;
+    std::unique_ptr<AcquisitionController> m_acq;
+    std::unique_ptr<ConnectionController> m_connection;
+    std::unique_ptr<BatchController> m_batch;
+    std::unique_ptr<ScopeController> m_scope;
+    std::unique_ptr<AutoConnect> m_autoConnect;
+
+    QPointer<frmAutoConnect> m_frmAutoConnect;
+    QTimer m_tmrRefresh;
+    QTimer m_tmrConnect;
+    QTimer m_tmrBatchWait;
+
+    SpectrumPlot* m_plot41 = nullptr;
+    SpectrumPlot* m_plot42 = nullptr;
+    QLineEdit* m_txtSpectrumID = nullptr;
+    QToolBar* m_toolbar = nullptr;
+    QWidget* m_infoBar = nullptr;
+    std::array<QLabel*, 3> m_cursorLabels{};
+    std::array<QLabel*, 2> m_roiLabels{};
+    std::array<QLabel*, kStatusPanelCount> m_panels{};
+    std::array<QAction*, kToolButtonCount> m_tools{};
+    std::map<QString, QAction*> m_items;
+    QMenu* m_recentMenu = nullptr;
+    QStringList m_recentFiles;
+    // Items and buttons whose window this version does not have: kept disabled, with a
+    // tool tip saying so, whatever the state rules would allow.
+    std::map<QString, QString> m_unavailable;
+};
+
+} // namespace vexo

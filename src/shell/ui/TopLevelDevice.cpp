@@ -1,0 +1,166 @@
+// The main window's device side: the controllers, their timers and the Connect,
+// Disconnect, Start, Stop and Clear commands.
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+
+#include "device/AcquisitionController.h"
+#include "device/BatchController.h"
+#include "device/ConnectionController.h"
+#include "device/DeviceLibrary.h"
+#include "device/ScopeController.h"
+#include "device/ui/frmAutoConnect.h"
+#include "device/ui/frmDeviceInfo.h"
+#include "device/ui/frmDevices.h"
+#include "shell/AppDir.h"
+#include "shell/Messages.h"
+#include "shell/ui/TopLevel.h"
+
+namespace vexo {
+
+void TopLevel::createControllers() {
+    DeviceLibraryLoad load = DeviceLibrary::Load();
+    if (!load.library) {
+        // Spectra can still be opened and saved; Connect explains why it cannot work.
+        m_libError = load.error;
+        return;
+    }
+    m_lib = std::move(load.library);
+
+    AcquisitionHooks ah;
+    ah.refreshMainWindow = [this](int code) {
+        RefreshMainWindow(code);
+        showAcquisitionTexts();
+    };
+    ah.spectrumRead = [this] {
+        DisplaySpectrum();
+        UpdateInfo();
+        showAcquisitionTexts();
+    };
+    ah.connectionLost = [this] {
+        m_tmrRefresh.stop();
+        m_tmrBatchWait.stop();
+        RefreshMainWindow(0);
+    };
+    m_acq = std::make_unique<AcquisitionController>(*m_lib, m_doc, *m_messages, ah);
+
+    ConnectionHooks ch;
+    ch.refreshMainWindow = [this](int code) { RefreshMainWindow(code); };
+    ch.displaySpectrumAndStatus = [this] {
+        m_acq->deviceConnected();
+        m_acq->DisplayStatus();
+        m_acq->DisplaySpectrum();
+        DisplaySpectrum();
+        showAcquisitionTexts();
+    };
+    ch.setRefreshTimer = [this](bool on) { on ? m_tmrRefresh.start() : m_tmrRefresh.stop(); };
+    m_connection = std::make_unique<ConnectionController>(*m_lib, m_doc, m_settings, m_appDir,
+                                                          *m_messages, ch);
+    m_autoConnect = std::make_unique<AutoConnect>(*m_lib, m_doc, m_settings, *m_messages, ch);
+
+    BatchHooks bh;
+    bh.refreshMainWindow = [this](int code) {
+        RefreshMainWindow(code);
+        showAcquisitionTexts();
+    };
+    bh.setWaitTimer = [this](bool on) { on ? m_tmrBatchWait.start() : m_tmrBatchWait.stop(); };
+    bh.processEvents = [] { QApplication::processEvents(); };
+    m_batch = std::make_unique<BatchController>(*m_acq, &m_settings, m_appDir,
+                                                WithTrailingSeparator(ExecutableDir()), bh);
+    m_scope = std::make_unique<ScopeController>(*m_lib, m_doc);
+
+    connect(&m_tmrRefresh, &QTimer::timeout, this, [this] { m_acq->tick(); });
+    connect(&m_tmrBatchWait, &QTimer::timeout, this, [this] { m_batch->tmrBatchWait(); });
+    connect(&m_tmrConnect, &QTimer::timeout, this, &TopLevel::tmrConnect);
+}
+
+bool TopLevel::needDevice() {
+    if (m_lib) return true;
+    m_messages->critical("The device library could not be loaded: " + m_libError);
+    return false;
+}
+
+void TopLevel::startAutoConnect() {
+    if (!needDevice()) return;
+    m_autoConnect->start();
+    m_frmAutoConnect = new frmAutoConnect(*m_autoConnect, this);
+    m_frmAutoConnect->setAttribute(Qt::WA_DeleteOnClose);
+    m_frmAutoConnect->show();
+    m_tmrConnect.start();
+}
+
+void TopLevel::tmrConnect() {
+    m_autoConnect->tick();
+    if (m_frmAutoConnect) m_frmAutoConnect->showState();
+    if (!m_autoConnect->timerEnabled()) m_tmrConnect.stop();
+    if (m_doc.hDevice != 0) RefreshMainWindow(4);
+}
+
+void TopLevel::showAcquisitionTexts() {
+    if (!m_acq) return;
+    const AcquisitionPanelTexts& t = m_acq->panelTexts();
+    m_panels[static_cast<int>(StatusPanel::Status)]->setText(QString::fromStdString(t.status));
+    m_panels[static_cast<int>(StatusPanel::Preset)]->setText(QString::fromStdString(t.preset));
+    m_panels[static_cast<int>(StatusPanel::Elapsed)]->setText(QString::fromStdString(t.elapsed));
+    m_panels[static_cast<int>(StatusPanel::CountRate)]->setText(QString::fromStdString(t.countRate));
+    m_panels[static_cast<int>(StatusPanel::Icr)]->setText(QString::fromStdString(t.icr));
+    if (!m_acq->roiReadouts().empty()) {
+        const RoiReadout& r = m_acq->roiReadouts().front();
+        if (r.ok) {
+            m_roiLabels[0]->setText(QString::fromStdString(r.netArea));
+            m_roiLabels[1]->setText(QString::fromStdString(r.netRate));
+        }
+    }
+    if (m_batch) {
+        const BatchPanelTexts b = m_batch->panelTexts();
+        m_panels[static_cast<int>(StatusPanel::Batch)]->setText(QString::fromStdString(b.batch));
+        m_panels[static_cast<int>(StatusPanel::BatchCounter)]->setText(QString::fromStdString(b.counter));
+    }
+}
+
+void TopLevel::connectDevice() {
+    if (!needDevice()) return;
+    const bool connected = m_connection->connect(
+        [this] { return ChooseDevice(*m_lib, *m_messages, this); });
+    if (connected) {
+        setWindowTitle("Vexo");
+        DisplaySpectrum();
+        UpdateInfo();
+    }
+}
+
+void TopLevel::disconnectDevice() {
+    if (!m_connection) return;
+    m_tmrBatchWait.stop();
+    m_connection->disconnect();
+    RefreshMainWindow(0);
+}
+
+void TopLevel::startAcquisition() {
+    if (!needDevice()) return;
+    m_acq->start();
+    showAcquisitionTexts();
+}
+
+void TopLevel::stopAcquisition() {
+    if (!needDevice()) return;
+    m_acq->stop();
+    showAcquisitionTexts();
+}
+
+void TopLevel::clearAcquisition() {
+    if (!needDevice()) return;
+    m_acq->clear();
+    DisplaySpectrum();
+    UpdateInfo();
+    showAcquisitionTexts();
+}
+
+void TopLevel::showDeviceInfo() {
+    if (!needDevice()) return;
+    if (!m_connection->deviceInfo()) return;
+    frmDeviceInfo dialog(m_doc, this);
+    dialog.exec();
+}
+
+} // namespace vexo

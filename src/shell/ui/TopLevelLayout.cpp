@@ -1,0 +1,242 @@
+// The main window's widgets: menus, toolbar, status bar and the central area.
+#include <QAction>
+#include <QApplication>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPainter>
+#include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "shell/ui/SpectrumPlot.h"
+#include "shell/ui/TopLevel.h"
+
+namespace vexo {
+
+namespace {
+
+// A small drawn icon for the buttons the style has no picture for.
+QIcon TextIcon(const QString& text) {
+    QPixmap pix(32, 32);
+    pix.fill(Qt::transparent);
+    QPainter p(&pix);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(QColor(40, 40, 120), 2));
+    p.setBrush(QColor(220, 225, 245));
+    p.drawRoundedRect(QRectF(2, 2, 28, 28), 5, 5);
+    QFont f = p.font();
+    f.setBold(true);
+    f.setPixelSize(text.size() > 2 ? 11 : 16);
+    p.setFont(f);
+    p.drawText(pix.rect(), Qt::AlignCenter, text);
+    return QIcon(pix);
+}
+
+struct ToolSpec {
+    ToolButton button;
+    QStyle::StandardPixmap pixmap; // SP_CustomBase: drawn from `text`
+    const char* text;
+    const char* tip;
+};
+
+constexpr QStyle::StandardPixmap kDrawn = QStyle::SP_CustomBase;
+
+const ToolSpec kToolSpecs[] = {
+    {ToolButton::tbConnect, QStyle::SP_DriveNetIcon, "", "Connect to an MCA"},
+    {ToolButton::tbDisconnect, QStyle::SP_BrowserStop, "", "Disconnect from the MCA"},
+    {ToolButton::tbOpen, QStyle::SP_DialogOpenButton, "", "Open a spectrum file"},
+    {ToolButton::tbSave, QStyle::SP_DialogSaveButton, "", "Save the spectrum with all its data"},
+    {ToolButton::tbPrint, kDrawn, "Prt", "Print report (not available in this version)"},
+    {ToolButton::tbStart, QStyle::SP_MediaPlay, "", "Start acquisition"},
+    {ToolButton::tbStop, QStyle::SP_MediaStop, "", "Stop acquisition"},
+    {ToolButton::tbClear, QStyle::SP_TrashIcon, "", "Clear the spectrum"},
+    {ToolButton::tbLin, kDrawn, "Lin", "Linear scale"},
+    {ToolButton::tbLog, kDrawn, "Log", "Logarithmic scale"},
+    {ToolButton::tbZoom, kDrawn, "Z", "Zoom to the range marked on the overview"},
+    {ToolButton::tbScope, kDrawn, "~", "Digital scope"},
+    {ToolButton::tbSettings, kDrawn, "Set", "MCA settings"},
+    {ToolButton::tbProcess, kDrawn, "Pr", "Process spectrum with an external program"},
+};
+
+} // namespace
+
+QAction* TopLevel::addItem(QMenu* menu, const char* key, const QString& caption,
+                           void (TopLevel::*slot)(), const QKeySequence& shortcut) {
+    QAction* a = menu->addAction(caption);
+    a->setObjectName(key);
+    if (!shortcut.isEmpty()) a->setShortcut(shortcut);
+    if (slot) connect(a, &QAction::triggered, this, slot);
+    m_items[QString(key)] = a;
+    return a;
+}
+
+void TopLevel::buildFileMenu() {
+    QMenu* file = menuBar()->addMenu("&File");
+    file->setToolTipsVisible(true);
+    addItem(file, "mnuFileOpen", "&Open...", &TopLevel::mnuFileOpen, QKeySequence::Open);
+    addItem(file, "mnuFileSave", "&Save...", &TopLevel::mnuFileSave, QKeySequence::Save);
+    addItem(file, "mnuFileSaveAll", "Save &All...", &TopLevel::mnuFileSaveAll,
+            QKeySequence("Ctrl+Shift+S"));
+    file->addSeparator();
+    QAction* print = addItem(file, "mnuFilePrint", "&Print...", nullptr, QKeySequence::Print);
+    print->setEnabled(false);
+    print->setToolTip("The report and its print preview are not available in this version");
+    file->addSeparator();
+    addItem(file, "mnuFileConnect", "&Connect...", &TopLevel::connectDevice);
+    addItem(file, "mnuFileDisconnect", "&Disconnect", &TopLevel::disconnectDevice);
+    addItem(file, "mnuFileDevInfo", "Device &information...", &TopLevel::showDeviceInfo);
+    file->addSeparator();
+    m_recentMenu = file->addMenu("&Recent files");
+    file->addSeparator();
+    addItem(file, "mnuFileExit", "E&xit", nullptr, QKeySequence::Quit);
+    connect(m_items["mnuFileExit"], &QAction::triggered, this, &QWidget::close);
+}
+
+void TopLevel::buildViewMenu() {
+    QMenu* view = menuBar()->addMenu("&View");
+    auto check = [&](const char* key, const QString& caption, auto fn, QKeySequence keys = {}) {
+        QAction* a = addItem(view, key, caption, nullptr, keys);
+        a->setCheckable(true);
+        connect(a, &QAction::triggered, this, fn);
+        return a;
+    };
+    check("mnuViewToolbar", "&Toolbar", [this](bool on) { m_toolbar->setVisible(on); })->setChecked(true);
+    check("mnuViewStatusBar", "&Status bar", [this](bool on) { statusBar()->setVisible(on); })->setChecked(true);
+    check("mnuViewInfobar", "&Info bar", [this](bool on) { m_infoBar->setVisible(on); })->setChecked(true);
+    view->addSeparator();
+    addItem(view, "mnuViewZoomIn", "&Zoom in", &TopLevel::zoomIn, QKeySequence::ZoomIn);
+    addItem(view, "mnuViewZoomOut", "Zoom &out", &TopLevel::zoomOut, QKeySequence::ZoomOut);
+    view->addSeparator();
+    check("mnuViewDots", "&Dots", [this] { setGraphType(1); });
+    check("mnuViewLines", "&Lines", [this] { setGraphType(2); });
+    check("mnuViewHisto", "&Histogram", [this] { setGraphType(3); });
+    view->addSeparator();
+    check("mnuViewLin", "L&in", [this] { setYScale(1); });
+    check("mnuViewLog", "L&og", [this] { setYScale(0); });
+    check("mnuViewSqrt", "S&qrt", [this] { setYScale(2); });
+    view->addSeparator();
+    check("mnuViewChn", "&Channels", [this] { showChannels(); });
+    check("mnuViewEn", "&Energy", [this] { showEnergy(); });
+    check("mnuViewTime", "&Time", [this] { showTime(); });
+    addItem(view, "mnuViewScope", "S&cope", nullptr)->setCheckable(true);
+}
+
+void TopLevel::buildDeviceMenus() {
+    QMenu* mca = menuBar()->addMenu("&MCA");
+    mca->setToolTipsVisible(true);
+    addItem(mca, "mnuMCAStart", "&Start", &TopLevel::startAcquisition, QKeySequence("F5"));
+    addItem(mca, "mnuMCAStop", "S&top", &TopLevel::stopAcquisition, QKeySequence("F6"));
+    addItem(mca, "mnuMCAClear", "&Clear", &TopLevel::clearAcquisition, QKeySequence("F7"));
+    mca->addSeparator();
+    addItem(mca, "mnuMCASetup", "Set&up...", nullptr);
+    addItem(mca, "mnuMCABatch", "&Batch...", nullptr);
+
+    QMenu* roi = menuBar()->addMenu("&ROI");
+    addItem(roi, "mnuROISave", "&Save ROIs...", &TopLevel::mnuROISave);
+    addItem(roi, "mnuROIClearAll", "&Clear all", &TopLevel::mnuROIClearAll);
+
+    QMenu* tools = menuBar()->addMenu("&Tools");
+    addItem(tools, "mnuToolsProcess", "&Process", &TopLevel::mnuToolsProcess);
+
+    QMenu* help = menuBar()->addMenu("&Help");
+    addItem(help, "mnuHelpAbout", "&About Vexo...", &TopLevel::mnuHelpAbout);
+}
+
+void TopLevel::buildMenus() {
+    buildFileMenu();
+    QMenu* edit = menuBar()->addMenu("&Edit");
+    addItem(edit, "mnuEditPref", "&Preferences...", nullptr);
+    addItem(edit, "mnuEditCalibrate", "&Calibrate...", nullptr);
+    buildViewMenu();
+    buildDeviceMenus();
+}
+
+void TopLevel::buildToolbar() {
+    m_toolbar = addToolBar("Toolbar");
+    m_toolbar->setObjectName("Toolbar");
+    m_toolbar->setIconSize(QSize(24, 24));
+    for (const ToolSpec& spec : kToolSpecs) {
+        const QString key = QString::fromUtf8(ToolButtonKey(spec.button).data(),
+                                              static_cast<int>(ToolButtonKey(spec.button).size()));
+        const QIcon icon = spec.pixmap == kDrawn ? TextIcon(spec.text) : style()->standardIcon(spec.pixmap);
+        QAction* a = m_toolbar->addAction(icon, key);
+        a->setObjectName(key);
+        a->setToolTip(spec.tip);
+        a->setCheckable(spec.button == ToolButton::tbLin || spec.button == ToolButton::tbLog ||
+                        spec.button == ToolButton::tbZoom);
+        connect(a, &QAction::triggered, this, [this, key] { dispatchToolButton(key); });
+        m_tools[static_cast<int>(spec.button)] = a;
+        if (spec.button == ToolButton::tbPrint || spec.button == ToolButton::tbClear ||
+            spec.button == ToolButton::tbLog || spec.button == ToolButton::tbZoom)
+            m_toolbar->addSeparator();
+    }
+}
+
+void TopLevel::buildStatusBar() {
+    const int widths[kStatusPanelCount] = {230, 160, 120, 130, 0, 90, 110, 170, 120};
+    for (int i = 0; i < kStatusPanelCount; ++i) {
+        auto* label = new QLabel(this);
+        label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        if (widths[i] > 0) label->setMinimumWidth(widths[i]);
+        statusBar()->addWidget(label, widths[i] == 0 ? 1 : 0);
+        m_panels[i] = label;
+    }
+}
+
+void TopLevel::buildCentral() {
+    auto* central = new QWidget(this);
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(4, 4, 4, 4);
+    auto* idRow = new QHBoxLayout;
+    idRow->addWidget(new QLabel("Spectrum ID:"));
+    m_txtSpectrumID = new QLineEdit;
+    m_txtSpectrumID->setObjectName("txtSpectrumID");
+    connect(m_txtSpectrumID, &QLineEdit::textEdited, this,
+            [this](const QString& text) { m_doc.szSpectrumID = text.toStdString(); });
+    idRow->addWidget(m_txtSpectrumID, 1);
+    layout->addLayout(idRow);
+
+    m_plot41 = new SpectrumPlot;
+    m_plot41->setObjectName("DataPlot41");
+    m_plot42 = new SpectrumPlot;
+    m_plot42->setObjectName("DataPlot42");
+    m_plot42->setMarkingEnabled(true);
+    layout->addWidget(m_plot41, 4);
+    layout->addWidget(m_plot42, 1);
+    connect(m_plot41, &SpectrumPlot::cursorMoved, this, &TopLevel::onCursorMoved);
+
+    m_infoBar = new QFrame;
+    m_infoBar->setObjectName("InfoBar");
+    auto* info = new QHBoxLayout(m_infoBar);
+    info->setContentsMargins(2, 0, 2, 0);
+    for (QLabel*& l : m_cursorLabels) {
+        l = new QLabel;
+        l->setMinimumWidth(130);
+        info->addWidget(l);
+    }
+    info->addStretch(1);
+    info->addWidget(new QLabel("ROI:"));
+    for (QLabel*& l : m_roiLabels) {
+        l = new QLabel;
+        l->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        l->setMinimumWidth(100);
+        info->addWidget(l);
+    }
+    m_roiLabels[0]->setText("0.00 keV");
+    m_roiLabels[1]->setText("0 CPS");
+    layout->addWidget(m_infoBar);
+    setCentralWidget(central);
+}
+
+// The overview gets more room while zoomed, so the marked range stays easy to adjust.
+void TopLevel::layoutPlots() {
+    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    layout->setStretchFactor(m_plot41, m_zoom.zoomed ? 3 : 4);
+    layout->setStretchFactor(m_plot42, 1);
+}
+
+} // namespace vexo

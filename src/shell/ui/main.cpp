@@ -1,0 +1,32 @@
+// Vexo desktop application: parses --appdir, settles the application folder and shows
+// the main window.
+#include <QApplication>
+#include <QCommandLineParser>
+
+#include "shell/AppDir.h"
+#include "shell/ui/TopLevel.h"
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("Vexo");
+    QApplication::setApplicationVersion(VEXO_VERSION);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Gamma-ray spectrometry with a digital multichannel analyser");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    QCommandLineOption appDirOption("appdir", "Folder holding Vexo.ini and the program's data files.",
+                                    "DIR");
+    parser.addOption(appDirOption);
+    parser.addPositionalArgument("file", "Spectrum file to open.", "[file]");
+    parser.process(app);
+
+    const std::filesystem::path appDir =
+        vexo::ResolveAppDir(parser.value(appDirOption).toStdString(), vexo::ExecutableDir());
+    vexo::SetAppDir(appDir);
+
+    vexo::TopLevel window(appDir);
+    window.show();
+    if (!parser.positionalArguments().isEmpty()) window.openSpectrum(parser.positionalArguments().front());
+    return app.exec();
+}

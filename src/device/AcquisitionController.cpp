@@ -121,8 +121,15 @@ void AcquisitionController::tick() {
         DisplayStatus();
         if (m_doc.hDevice != 0 && DisplaySpectrum())
             updateRois();
-        return;
+    } else {
+        checkStopped();
     }
+    // The scope polls after the status and spectrum work of the same tick.
+    if (m_doc.hDevice != 0 && m_hooks.scopeCycle)
+        m_hooks.scopeCycle();
+}
+
+void AcquisitionController::checkStopped() {
     DisplayStatus();
     if (m_doc.hDevice == 0)
         return;

@@ -48,6 +48,9 @@ struct AcquisitionHooks {
     // already closed it (hDevice = 0); the owner stops its timers and shows the
     // disconnected state. Without this hook the controller asks for a full refresh (0).
     std::function<void()> connectionLost;
+    // At the end of every tick with a device: the scope window, when it is open and
+    // visible, runs its cycle here (ScopeController::DisplayWaveform).
+    std::function<void()> scopeCycle;
 };
 
 // The batch sequence's entry points, set by the batch controller.
@@ -88,8 +91,7 @@ public:
 
     // One tmrRefresh tick; does nothing without a device. Running: status, spectrum and
     // ROI figures. Stopped: status, then a status read; a device found stopped hands
-    // over to the batch (batch mode) or asks for code 2. The scope cycle is the
-    // window's to run after this (ScopeController::DisplayWaveform).
+    // over to the batch (batch mode) or asks for code 2. Then the scopeCycle hook.
     void tick();
 
     // Status poll: status word, mode (id 5) and HV word (id 22). When any of the three
@@ -127,6 +129,7 @@ public:
 
 private:
     bool connectionLost(int32_t status);
+    void checkStopped();
     void noteDevice();
     void presetText();
     void elapsedTexts(int32_t mcsChannel, bool haveMcsChannel);

@@ -1,0 +1,308 @@
+// The batch sequence against the simulated analyser: naming, counts, waiting, clearing,
+// the user's Stop, a lost device, and a long run.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "ctrl_sim.h"
+#include "device/AcquisitionController.h"
+#include "device/BatchController.h"
+#include "device/DeviceIO.h"
+#include "shell/AppSettings.h"
+#include "shell/DateTime.h"
+#include "shell/TextFile.h"
+#include "spectrum/SpectrumFile.h"
+
+using namespace vexo;
+using vexo::test::SimDeviceSpec;
+using vexo::test::SimSession;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct BatchRig {
+    explicit BatchRig(const SimDeviceSpec& spec = {}, float liveSeconds = 1.0f) : sim(spec) {
+        if (!sim.open())
+            throw std::runtime_error("the simulated device did not open");
+        sim.messages.clear();
+        SpectrumDocument& d = *sim.doc;
+        d.lPresetMode = 3;
+        d.sngPresetTime = liveSeconds;
+        d.lChannels = 1024;
+        WriteAllParams(*sim.lib, d);
+        fs::create_directories(out);
+        AcquisitionHooks hooks;
+        hooks.connectionLost = [this] { ++lost; };
+        acq = std::make_unique<AcquisitionController>(*sim.lib, d, sim.messages, hooks,
+                                                      [this] { return clock; });
+        BatchHooks bh;
+        bh.fileSaved = [this](const std::string& path, bool ok) {
+            if (ok)
+                saved.push_back(path);
+        };
+        bh.refreshMainWindow = [this](int code) { codes.push_back(code); };
+        batch = std::make_unique<BatchController>(*acq, &settings, appDir(), sim.dir().string(), bh);
+        acq->clear();
+    }
+    fs::path appDir() const { return sim.dir(); }
+    BatchSettings Settings(int16_t count) const {
+        BatchSettings s;
+        s.szBatchDir = out.string();
+        s.nBatchCount = count;
+        return s;
+    }
+    // One 500 ms pass of both timers, as the main window runs them.
+    void pass() {
+        if (batch->waitTimerEnabled())
+            batch->tmrBatchWait();
+        acq->tick();
+        ++passes;
+    }
+    int runToEnd(int limit) {
+        int n = 0;
+        while (batch->bBatchMode() && n++ < limit)
+            pass();
+        return n;
+    }
+    std::vector<std::string> filesOnDisk() const {
+        std::vector<std::string> names;
+        for (const auto& e : fs::directory_iterator(out))
+            names.push_back(e.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    SimSession sim;
+    fs::path out = sim.dir() / "spectra";
+    double clock = SerialFromParts({2024, 1, 31, 14, 25, 1});
+    AppSettings settings;
+    std::unique_ptr<AcquisitionController> acq;
+    std::unique_ptr<BatchController> batch;
+    std::vector<std::string> saved;
+    std::vector<int> codes;
+    int lost = 0;
+    int passes = 0;
+};
+
+const std::string kSep(1, static_cast<char>(fs::path::preferred_separator));
+
+} // namespace
+
+TEST(BatchSequence, CountOfOneSavesMeasurement0001AndEnds) {
+    BatchRig r;
+    r.batch->begin(r.Settings(1));
+    EXPECT_TRUE(r.batch->bBatchMode());
+    EXPECT_TRUE(r.acq->bAcqActive());
+    EXPECT_EQ(r.batch->panelTexts().batch, "BATCH ON");
+    EXPECT_EQ(r.batch->panelTexts().counter, "Acq. done: 0 of 1");
+    r.runToEnd(200);
+    EXPECT_FALSE(r.batch->bBatchMode());
+    EXPECT_FALSE(r.acq->bAcqActive());
+    EXPECT_EQ(r.filesOnDisk(), std::vector<std::string>{"Vexo_0001.SPE"});
+    EXPECT_EQ(r.batch->panelTexts().batch, "BATCH OFF");
+    EXPECT_TRUE(r.sim.messages.shown().empty());
+    // The batch folder is remembered in the settings file when the batch starts.
+    const auto ini = ReadTextFile(SettingsFilePath(r.appDir()));
+    ASSERT_TRUE(ini.has_value());
+    EXPECT_NE(ini->find("BatchDataDir=" + r.out.string()), std::string::npos);
+}
+
+TEST(BatchSequence, NamesCarrySampleTimeAndTag) {
+    BatchRig r;
+    r.sim.doc->szSpectrumID = "S17";
+    BatchSettings s = r.Settings(2);
+    s.szBatchDir = r.out.string() + kSep; // trailing separator is not doubled
+    s.bNameSampleID = s.bNameTimeDate = s.bNameTag = true;
+    s.szBatchTag = "lab";
+    r.batch->begin(s);
+    r.runToEnd(200);
+    EXPECT_EQ(r.filesOnDisk(), (std::vector<std::string>{"S17_20240131_142501_lab_0001.SPE",
+                                                        "S17_20240131_142501_lab_0002.SPE"}));
+    ASSERT_EQ(r.saved.size(), 2u);
+    EXPECT_EQ(r.saved[0], r.out.string() + kSep + "S17_20240131_142501_lab_0001.SPE");
+}
+
+TEST(BatchSequence, ZeroWaitStillPassesThroughOneWaitTick) {
+    BatchRig r;
+    BatchSettings s = r.Settings(2);
+    s.bBatchWait = true;
+    s.lBatchWait = 0;
+    r.batch->begin(s);
+    while (r.saved.empty() && r.passes < 200)
+        r.pass();
+    ASSERT_EQ(r.saved.size(), 1u);
+    EXPECT_TRUE(r.batch->bBatchWaiting());
+    EXPECT_TRUE(r.batch->waitTimerEnabled());
+    EXPECT_FALSE(r.acq->bAcqActive());
+    EXPECT_EQ(r.batch->panelTexts().batch, "BATCH ON (Waiting : 0.0)");
+    r.batch->tmrBatchWait();
+    EXPECT_FALSE(r.batch->bBatchWaiting());
+    EXPECT_FALSE(r.batch->waitTimerEnabled());
+    EXPECT_TRUE(r.acq->bAcqActive());
+    r.runToEnd(200);
+    EXPECT_EQ(r.filesOnDisk().size(), 2u);
+}
+
+TEST(BatchSequence, WaitCountsDownInHalfSeconds) {
+    BatchRig r;
+    BatchSettings s = r.Settings(2);
+    s.bBatchWait = true;
+    s.lBatchWait = 2;
+    r.batch->begin(s);
+    while (r.saved.empty() && r.passes < 200)
+        r.pass();
+    ASSERT_TRUE(r.batch->bBatchWaiting());
+    const std::string expected[] = {"BATCH ON (Waiting : 1.5)", "BATCH ON (Waiting : 1.0)",
+                                    "BATCH ON (Waiting : 0.5)"};
+    for (const auto& text : expected) {
+        r.batch->tmrBatchWait();
+        EXPECT_EQ(r.batch->panelTexts().batch, text);
+        EXPECT_FALSE(r.acq->bAcqActive());
+        r.acq->tick(); // the refresh tick leaves a waiting batch alone
+        EXPECT_EQ(r.saved.size(), 1u);
+    }
+    r.batch->tmrBatchWait(); // 2.0 s waited: the next measurement starts
+    EXPECT_TRUE(r.acq->bAcqActive());
+    EXPECT_EQ(r.batch->panelTexts().counter, "Acq. done: 1 of 2");
+}
+
+TEST(BatchSequence, ClearBetweenMeasurementsGivesEqualLiveTimes) {
+    BatchRig r({}, 2.0f);
+    BatchSettings s = r.Settings(3);
+    s.bBatchClear = true;
+    r.batch->begin(s);
+    r.runToEnd(300);
+    ASSERT_EQ(r.saved.size(), 3u);
+    for (const auto& path : r.saved) {
+        auto d = std::make_unique<SpectrumDocument>();
+        ASSERT_TRUE(bReadFullSpectrum(*d, path)) << path;
+        EXPECT_NEAR(d->sngLiveTime, 2.0f, 0.01f) << path;
+    }
+}
+
+TEST(BatchSequence, UntilStopRunsUntilTheUserConfirmsStop) {
+    BatchRig r;
+    BatchSettings s = r.Settings(1);
+    s.bBatchUntilStop = true;
+    s.bBatchClear = true;
+    r.batch->begin(s);
+    while (r.saved.size() < 3 && r.passes < 400)
+        r.pass();
+    ASSERT_EQ(r.saved.size(), 3u); // the count of 1 is ignored
+    EXPECT_EQ(r.batch->panelTexts().counter, "Acq. done: 3");
+
+    r.sim.messages.queueAnswer(MsgAnswer::Cancel);
+    EXPECT_FALSE(r.acq->stop());
+    EXPECT_TRUE(r.batch->bBatchMode());
+    ASSERT_EQ(r.sim.messages.shown().size(), 1u);
+    const Message& q = r.sim.messages.shown()[0];
+    EXPECT_EQ(q.title, "Stop Batch Acquisition");
+    EXPECT_EQ(q.text, "You're under batch mode\r\nStop will abort the Batch sequence\r\nDo you want to Stop?");
+    EXPECT_EQ(q.icon, MsgIcon::Exclamation);
+    EXPECT_EQ(q.buttons, MsgButtons::OkCancel);
+
+    r.sim.messages.queueAnswer(MsgAnswer::Ok);
+    EXPECT_TRUE(r.acq->stop());
+    EXPECT_FALSE(r.batch->bBatchMode());
+    EXPECT_FALSE(r.acq->bAcqActive());
+    EXPECT_EQ(r.batch->nBatchIndex(), 0); // counters reset
+    for (int i = 0; i < 10; ++i)
+        r.pass();
+    EXPECT_EQ(r.filesOnDisk().size(), 3u); // nothing more is saved
+}
+
+TEST(BatchSequence, ProcessingRunsAfterEachSave) {
+    BatchRig r;
+    r.settings.EnableExtProcessing = true;
+    r.settings.DataDir = (r.sim.dir() / "proc").string();
+    fs::create_directories(r.settings.DataDir);
+    r.settings.FileName = "p.spe";
+    r.settings.Program = "/bin/sh";
+    r.settings.Arguments = "-c \"echo run >> runs.txt\"";
+    r.settings.StartupDir = "%D";
+    BatchSettings s = r.Settings(2);
+    s.bBatchProc = true;
+    r.batch->begin(s);
+    r.runToEnd(300);
+    EXPECT_EQ(r.saved.size(), 2u);
+    EXPECT_TRUE(fs::exists(r.sim.dir() / "proc" / "p.spe"));
+    EXPECT_TRUE(r.sim.messages.shown().empty());
+    // Both programs were started; they end on their own, so wait for their output.
+    const fs::path runs = r.sim.dir() / "proc" / "runs.txt";
+    std::string text;
+    for (int i = 0; i < 500 && text != "run\nrun\n"; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        text = fs::exists(runs) ? test::ReadBytes(runs) : "";
+    }
+    EXPECT_EQ(text, "run\nrun\n");
+}
+
+TEST(BatchFaults, FailingSaveIsReportedAndTheSequenceGoesOn) {
+    BatchRig r;
+    BatchSettings s = r.Settings(2);
+    s.bNameTag = true;
+    s.szBatchTag = "sub" + kSep + "x"; // a folder that does not exist
+    r.batch->begin(s);
+    r.runToEnd(300);
+    EXPECT_FALSE(r.batch->bBatchMode());
+    ASSERT_EQ(r.sim.messages.shown().size(), 2u);
+    EXPECT_EQ(r.sim.messages.shown()[0].text.rfind("Error saving file: ", 0), 0u);
+    EXPECT_TRUE(r.filesOnDisk().empty());
+}
+
+TEST(BatchFaults, LostDeviceEndsTheBatchWithoutSavingAPartialSpectrum) {
+    SimDeviceSpec spec;
+    spec.disconnectAfter = 6.0;
+    BatchRig r(spec, 2.0f);
+    BatchSettings s = r.Settings(20);
+    s.bBatchClear = true;
+    r.batch->begin(s);
+    r.runToEnd(300);
+    EXPECT_FALSE(r.batch->bBatchMode());
+    EXPECT_EQ(r.sim.doc->hDevice, 0);
+    ASSERT_EQ(r.sim.messages.shown().size(), 1u);
+    EXPECT_EQ(r.sim.messages.shown()[0].title, "Batch Error");
+    EXPECT_EQ(r.sim.messages.shown()[0].text, "No MCA connection");
+    EXPECT_EQ(r.sim.messages.shown()[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(r.lost, 1);
+    // Every file written is a complete measurement of the preset live time.
+    ASSERT_FALSE(r.saved.empty());
+    EXPECT_LT(r.saved.size(), 20u);
+    for (const auto& path : r.saved) {
+        auto d = std::make_unique<SpectrumDocument>();
+        ASSERT_TRUE(bReadFullSpectrum(*d, path));
+        EXPECT_NEAR(d->sngLiveTime, 2.0f, 0.01f) << path;
+    }
+    // The controllers keep working: reconnect and run a one-measurement batch.
+    ASSERT_TRUE(r.sim.open());
+    r.acq->deviceConnected();
+    r.batch->begin(r.Settings(1));
+    r.runToEnd(100);
+    EXPECT_FALSE(r.batch->bBatchMode());
+}
+
+TEST(BatchSoak, TwoHundredMeasurementsGiveTwoHundredCorrectFiles) {
+    BatchRig r({}, 1.0f);
+    BatchSettings s = r.Settings(200);
+    s.bBatchClear = true;
+    s.bBatchWait = true;
+    s.lBatchWait = 0;
+    r.batch->begin(s);
+    r.runToEnd(20000);
+    EXPECT_FALSE(r.batch->bBatchMode());
+    const auto names = r.filesOnDisk();
+    ASSERT_EQ(names.size(), 200u);
+    auto d = std::make_unique<SpectrumDocument>();
+    for (int i = 1; i <= 200; ++i) {
+        char expected[32];
+        std::snprintf(expected, sizeof(expected), "Vexo_%04d.SPE", i);
+        ASSERT_EQ(names[i - 1], expected);
+        ASSERT_TRUE(bReadFullSpectrum(*d, r.out / expected)) << expected;
+        EXPECT_NEAR(d->sngLiveTime, 1.0f, 0.01f) << expected;
+        EXPECT_EQ(d->lChannels, 1024) << expected;
+    }
+    EXPECT_TRUE(r.sim.messages.shown().empty());
+}

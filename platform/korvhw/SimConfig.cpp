@@ -1,0 +1,252 @@
+#include "SimConfig.h"
+
+#include <cstdlib>
+#include <dlfcn.h>
+#include <fstream>
+#include <sstream>
+
+#include "IniFile.h"
+#include "SourceLibrary.h"
+
+namespace korvsim {
+
+namespace {
+
+DeviceSpec DefaultDevice10() {
+    DeviceSpec d;
+    d.path = "KORV-10-001";
+    d.name = "KORV MCA-10";
+    d.serial = "10230417";
+    d.type = 2;
+    d.firmware = "V3.4";
+    d.detector = DetectorKind::NaI3x3;
+    d.sources = {{"Cs-137", 3000.0}, {"K-40", 60.0}};
+    return d;
+}
+
+DeviceSpec DefaultDevice08() {
+    DeviceSpec d;
+    d.path = "192.168.0.42";
+    d.name = "KORV MCA-8";
+    d.serial = "08190233";
+    d.type = 3;
+    d.firmware = "V3.2";
+    d.firmwareDate = "20190611";
+    d.productionDate = "20190902";
+    d.detector = DetectorKind::HPGe;
+    d.detectorPolarity = 1;
+    d.nominalHV = 3000.0;
+    d.maxHV = 5000.0;
+    d.clockHz = 25000000;
+    d.noiseCps = 100.0;
+    d.sources = {{"Co-60", 800.0}, {"Cs-137", 400.0}, {"K-40", 20.0}};
+    return d;
+}
+
+DeviceSpec DefaultDevice06() {
+    DeviceSpec d;
+    d.path = "KORV-06-003";
+    d.name = "KORV MCA-6";
+    d.serial = "06110108";
+    d.type = 1;
+    d.firmware = "V2.1";
+    d.firmwareDate = "20110307";
+    d.productionDate = "20110520";
+    d.detector = DetectorKind::NaI3x3;
+    d.nominalHV = 750.0;
+    d.maxHV = 0.0;  // this firmware leaves id 44 at 0
+    d.clockHz = 0;  // and id 42 as well
+    d.sources = {{"Am-241", 1500.0}, {"Cs-137", 1000.0}, {"K-40", 60.0}};
+    return d;
+}
+
+double ReadDouble(const IniFile& ini, const std::string& section, const char* key, double fallback,
+                  std::vector<std::string>& warnings) {
+    const auto text = ini.get(section, key);
+    if (!text)
+        return fallback;
+    if (const auto value = ParseDouble(*text))
+        return *value;
+    warnings.push_back("[" + section + "] " + key + "='" + *text + "' is not a number");
+    return fallback;
+}
+
+long long ReadInteger(const IniFile& ini, const std::string& section, const char* key,
+                      long long fallback, std::vector<std::string>& warnings) {
+    const auto text = ini.get(section, key);
+    if (!text)
+        return fallback;
+    if (const auto value = ParseInteger(*text))
+        return *value;
+    warnings.push_back("[" + section + "] " + key + "='" + *text + "' is not a whole number");
+    return fallback;
+}
+
+std::string ReadText(const IniFile& ini, const std::string& section, const char* key,
+                     const std::string& fallback) {
+    const auto text = ini.get(section, key);
+    return text && !text->empty() ? *text : fallback;
+}
+
+// "Cs-137:3000, K-40:60" -> sources; a missing rate means 1000 counts/s.
+std::vector<SourceSpec> ReadSources(const std::string& text, const std::string& section,
+                                    std::vector<std::string>& warnings) {
+    std::vector<SourceSpec> sources;
+    for (const std::string& item : SplitList(text, ',')) {
+        const size_t colon = item.find(':');
+        const std::string name = Trim(item.substr(0, colon));
+        const SourceNuclide* nuclide = FindSource(name);
+        auto rate = colon == std::string::npos ? std::optional<double>(1000.0)
+                                               : ParseDouble(item.substr(colon + 1));
+        if (!nuclide || !rate || *rate < 0.0) {
+            warnings.push_back("[" + section + "] source '" + item + "' skipped (known: " +
+                               KnownSourceNames() + ")");
+            continue;
+        }
+        sources.push_back({nuclide->name, *rate});
+    }
+    return sources;
+}
+
+// "22:-12, 35:-10" -> parameter faults.
+std::vector<ParamFault> ReadParamFaults(const std::string& text, const std::string& section,
+                                        std::vector<std::string>& warnings) {
+    std::vector<ParamFault> faults;
+    for (const std::string& item : SplitList(text, ',')) {
+        const size_t colon = item.find(':');
+        const auto id = ParseInteger(item.substr(0, colon));
+        const auto code = colon == std::string::npos ? std::optional<long long>(-13)
+                                                     : ParseInteger(item.substr(colon + 1));
+        if (!id || !code || *code >= 0) {
+            warnings.push_back("[" + section + "] FailParam item '" + item + "' skipped");
+            continue;
+        }
+        faults.push_back({static_cast<int32_t>(*id), static_cast<int32_t>(*code)});
+    }
+    return faults;
+}
+
+FaultPlan ReadFaults(const IniFile& ini, const std::string& s, std::vector<std::string>& w) {
+    FaultPlan f;
+    f.openFailures = static_cast<int32_t>(ReadInteger(ini, s, "OpenFailures", 0, w));
+    f.disconnectAfterSeconds = ReadDouble(ini, s, "DisconnectAfter", -1.0, w);
+    f.paramFaults = ReadParamFaults(ReadText(ini, s, "FailParam", ""), s, w);
+    f.readSpectrumFailShare = ReadDouble(ini, s, "ReadSpectrumFailShare", 0.0, w);
+    return f;
+}
+
+DeviceSpec ReadDevice(const IniFile& ini, const std::string& s, size_t index,
+                      std::vector<std::string>& w) {
+    DeviceSpec d = DefaultDevice10();
+    d.serial = ReadText(ini, s, "Serial", "10" + std::to_string(100000 + index));
+    d.path = ReadText(ini, s, "Path", "KORV-" + d.serial);
+    d.name = ReadText(ini, s, "Name", "KORV MCA-" + d.serial.substr(0, 2));
+    d.type = static_cast<int32_t>(ReadInteger(ini, s, "Type", 2, w));
+    d.firmware = ReadText(ini, s, "Firmware", d.firmware);
+    d.firmwareDate = ReadText(ini, s, "FirmwareDate", d.firmwareDate);
+    d.productionDate = ReadText(ini, s, "ProductionDate", d.productionDate);
+    const std::string detector = ReadText(ini, s, "Detector", "NaI");
+    if (auto kind = ParseDetectorKind(detector))
+        d.detector = *kind;
+    else
+        w.push_back("[" + s + "] unknown detector '" + detector + "', NaI used");
+    const bool ge = d.detector == DetectorKind::HPGe;
+    d.detectorPolarity = ReadInteger(ini, s, "DetectorPolarity", ge ? 1 : 0, w) != 0 ? 1 : 0;
+    d.nominalHV = ReadDouble(ini, s, "NominalHV", ge ? 3000.0 : 800.0, w);
+    d.maxHV = ReadDouble(ini, s, "MaxHV", ge ? 5000.0 : 1500.0, w);
+    d.clockHz = static_cast<int32_t>(ReadInteger(ini, s, "ClockHz", 80000000, w));
+    if (auto text = ini.get(s, "Sources"))
+        d.sources = ReadSources(*text, s, w);
+    d.noiseCps = ReadDouble(ini, s, "NoiseRate", 200.0, w);
+    d.hvInhibitInput = ReadInteger(ini, s, "HVInhibit", 0, w) != 0;
+    d.hvRampSeconds = ReadDouble(ini, s, "HVRampSeconds", 3.0, w);
+    d.hvOnAtPowerUp = ReadInteger(ini, s, "HVOnAtPowerUp", 0, w) != 0;
+    d.externalGateSeconds = ReadDouble(ini, s, "ExternalGateSeconds", 1.0, w);
+    d.faults = ReadFaults(ini, s, w);
+    return d;
+}
+
+void ReadSimulatorSection(const IniFile& ini, SimConfig& c) {
+    const std::string s = "Simulator";
+    auto& w = c.warnings;
+    c.seed = static_cast<uint64_t>(ReadInteger(ini, s, "Seed", static_cast<long long>(c.seed), w));
+    const std::string clock = ReadText(ini, s, "Clock", "wall");
+    if (EqualsNoCase(clock, "step"))
+        c.clockMode = ClockMode::Step;
+    else if (!EqualsNoCase(clock, "wall"))
+        w.push_back("[Simulator] Clock='" + clock + "' is neither wall nor step");
+    c.stepSeconds = ReadDouble(ini, s, "StepSeconds", c.stepSeconds, w);
+    c.speed = ReadDouble(ini, s, "Speed", c.speed, w);
+    c.discoveryPerCall =
+        static_cast<int32_t>(ReadInteger(ini, s, "DiscoveryPerCall", c.discoveryPerCall, w));
+    if (c.discoveryPerCall < 1)
+        c.discoveryPerCall = 1;
+    const std::string dir = ReadText(ini, s, "SettingsDir", "");
+    if (!dir.empty())
+        c.settingsDir = dir;
+}
+
+std::filesystem::path LibraryFolder() {
+    Dl_info info{};
+    // Any symbol of this library will do; dladdr reports the file it came from.
+    if (dladdr(reinterpret_cast<void*>(&LocateConfig), &info) != 0 && info.dli_fname)
+        return std::filesystem::path(info.dli_fname).parent_path();
+    return {};
+}
+
+} // namespace
+
+SimConfig DefaultConfig() {
+    SimConfig c;
+    c.settingsDir = DefaultSettingsDir();
+    c.devices = {DefaultDevice10(), DefaultDevice08(), DefaultDevice06()};
+    return c;
+}
+
+SimConfig ParseConfig(const std::string& text) {
+    SimConfig c = DefaultConfig();
+    const IniFile ini = IniFile::Parse(text);
+    for (const std::string& problem : ini.problems())
+        c.warnings.push_back("unreadable " + problem);
+    ReadSimulatorSection(ini, c);
+    std::vector<DeviceSpec> devices;
+    for (const IniSection& section : ini.sections())
+        if (section.name.size() > 6 && EqualsNoCase(section.name.substr(0, 6), "Device"))
+            devices.push_back(ReadDevice(ini, section.name, devices.size() + 1, c.warnings));
+    if (!devices.empty())
+        c.devices = std::move(devices);
+    return c;
+}
+
+std::filesystem::path DefaultSettingsDir() {
+    if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && *xdg)
+        return std::filesystem::path(xdg) / "korvhw";
+    if (const char* home = std::getenv("HOME"); home && *home)
+        return std::filesystem::path(home) / ".config" / "korvhw";
+    std::error_code ec;
+    return std::filesystem::temp_directory_path(ec) / "korvhw";
+}
+
+ConfigLocation LocateConfig() {
+    ConfigLocation where;
+    if (const char* env = std::getenv("VEXO_SIM_CONFIG"); env && *env) {
+        where.path = env;
+    } else {
+        const std::filesystem::path beside = LibraryFolder() / "KORVHW.ini";
+        std::error_code ec;
+        if (!std::filesystem::exists(beside, ec))
+            return where; // no file: the built-in set
+        where.path = beside;
+    }
+    std::ifstream in(where.path, std::ios::binary);
+    if (!in) {
+        where.error = "cannot read " + where.path.string();
+        return where;
+    }
+    std::ostringstream text;
+    text << in.rdbuf();
+    where.text = text.str();
+    return where;
+}
+
+} // namespace korvsim

@@ -32,6 +32,6 @@ struct PlainReadResult {
 PlainReadResult ReadPlainCounts(SpectrumDocument& doc, const std::filesystem::path& path);
 PlainReadResult ParsePlainCounts(SpectrumDocument& doc, std::string_view bytes);
 
-constexpr std::size_t kMaxPlainFileBytes = std::size_t{32} << 20;
+constexpr std::size_t kMaxPlainFileBytes = std::size_t{8} << 20;
 
 } // namespace vexo

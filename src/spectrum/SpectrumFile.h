@@ -21,7 +21,7 @@ namespace vexo {
 
 // The reader looks at no more than this much of a file; a larger file is not read as a
 // full spectrum file. Real files are well under 1 MiB.
-constexpr std::size_t kMaxSpectrumFileBytes = std::size_t{32} << 20;
+constexpr std::size_t kMaxSpectrumFileBytes = std::size_t{8} << 20;
 
 // The file's text (UTF-8, lines ended by CR LF). The calibration comes from the plot's
 // 32-bit copy (doc.plot), the ROI lines from doc.plot.rois. The last counts line always

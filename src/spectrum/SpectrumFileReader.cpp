@@ -13,21 +13,43 @@
 namespace vexo {
 namespace {
 
-// Runs of blanks reduced to one, both ends trimmed, split at the blanks. Only the blank
-// separates parts; an empty or all-blank line gives no parts.
-std::vector<std::string_view> SplitParts(std::string_view line) {
+// A line with runs of blanks reduced to one, both ends trimmed, split at the blanks:
+// the first `limit` parts, and in `rest` whatever follows them (still with its inner
+// runs of blanks). Only the blank separates parts. Splitting no further than needed
+// keeps a hostile line of millions of parts from costing memory.
+std::vector<std::string_view> SplitParts(std::string_view line, std::size_t limit,
+                                         std::string_view* rest = nullptr) {
     std::vector<std::string_view> parts;
     std::size_t i = 0;
-    while (i < line.size()) {
+    auto skipBlanks = [&] {
         while (i < line.size() && line[i] == ' ')
             ++i;
+    };
+    skipBlanks();
+    while (i < line.size() && parts.size() < limit) {
         std::size_t start = i;
         while (i < line.size() && line[i] != ' ')
             ++i;
-        if (i > start)
-            parts.push_back(line.substr(start, i - start));
+        parts.push_back(line.substr(start, i - start));
+        skipBlanks();
     }
+    if (rest)
+        *rest = line.substr(i);
     return parts;
+}
+
+// Parts of `text` joined with single blanks (runs reduced, ends trimmed).
+std::string CollapseBlanks(std::string_view text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != ' ')
+            out.push_back(text[i]);
+        else if (!out.empty() && out.back() != ' ')
+            out.push_back(' ');
+    }
+    if (!out.empty() && out.back() == ' ')
+        out.pop_back();
+    return out;
 }
 
 std::string_view RequireLine(FieldReader& in) {
@@ -60,7 +82,7 @@ int WindowYear(int year) {
 
 // The date line is taken by character position: mm?dd?yyyy hh?nn?ss, separators unchecked.
 void ReadDate(FieldReader& in, SpectrumDocument& doc) {
-    std::vector<std::string_view> parts = SplitParts(RequireLine(in));
+    std::vector<std::string_view> parts = SplitParts(RequireLine(in), 2);
     if (parts.size() < 2)
         return;
     DateTimeParts date;
@@ -83,7 +105,7 @@ void ReadTimes(FieldReader& in, SpectrumDocument& doc) {
 }
 
 void ReadDeviceId(FieldReader& in, SpectrumDocument& doc) {
-    std::vector<std::string_view> parts = SplitParts(RequireLine(in));
+    std::vector<std::string_view> parts = SplitParts(RequireLine(in), 2);
     if (parts.size() < 2)
         return;
     doc.szDeviceName = Win1252ToUtf8(parts[0]);
@@ -114,23 +136,15 @@ void ReadCalibration(FieldReader& in, SpectrumDocument& doc) {
     doc.setCalibration({true, offset, slope, quad});
 }
 
-std::string JoinName(const std::vector<std::string_view>& parts) {
-    std::string name;
-    for (std::size_t i = 4; i < parts.size(); ++i) {
-        if (i > 4)
-            name.push_back(' ');
-        name.append(parts[i]);
-    }
-    return Win1252ToUtf8(name);
-}
-
-void AddRoi(const std::vector<std::string_view>& parts, SpectrumDocument& doc) {
+// One ROI line of at least two parts: first, last, [colour, [flag, [name...]]].
+void AddRoi(const std::vector<std::string_view>& parts, std::string_view nameText,
+            SpectrumDocument& doc) {
     PlotRoi roi;
     roi.lFirst = FieldLong(parts[0]);
     roi.lLast = FieldLong(parts[1]);
     roi.lColor = parts.size() > 2 ? FieldLong(parts[2]) : 255;
     roi.bFlag = parts.size() > 3 && FieldNumber(parts[3]) != 0.0;
-    roi.szName = JoinName(parts);
+    roi.szName = Win1252ToUtf8(CollapseBlanks(nameText));
     doc.plot.rois.push_back(roi);
     clsROI record;
     record.set_lROILCh(roi.lFirst);
@@ -156,9 +170,10 @@ void ReadRois(FieldReader& in, SpectrumDocument& doc) {
             in.seek(mark);
             return;
         }
-        std::vector<std::string_view> parts = SplitParts(*line);
+        std::string_view nameText;
+        std::vector<std::string_view> parts = SplitParts(*line, 4, &nameText);
         if (parts.size() >= 2)
-            AddRoi(parts, doc);
+            AddRoi(parts, nameText, doc);
     }
 }
 

@@ -70,6 +70,21 @@ TEST(OpenSpectrum, PlainFileReadsAtMost16384Values) {
     EXPECT_EQ(doc->lCounts[16384], 0);
 }
 
+TEST(OpenSpectrum, OversizedFileIsNotReadAsFullButItsStartAsPlain) {
+    TempDir dir;
+    std::string text = "$SPEC_ID:\r\nhuge\r\n$DATA:\r\n0 3\r\n1 2 3 4\r\n";
+    text.append(kMaxSpectrumFileBytes, ' ');
+    test::WriteBytes(dir / "huge.spe", text);
+    auto doc = std::make_unique<SpectrumDocument>();
+    OpenResult result = OpenSpectrum(*doc, dir / "huge.spe");
+    EXPECT_FALSE(result.full);
+    EXPECT_EQ(result.fullError, "file too large for a spectrum file");
+    EXPECT_TRUE(result.opened);
+    // "$SPEC_ID:", "huge", "$DATA:" read as 0, then 0 3 1 2 3 4.
+    EXPECT_EQ(doc->lChannels, 9);
+    EXPECT_EQ(doc->lCounts[8], 4);
+}
+
 TEST(OpenSpectrum, PlainValueBeyond32BitsStopsThereWithAReason) {
     TempDir dir;
     test::WriteBytes(dir / "bad.dat", "1\r\n2\r\n99999999999\r\n4\r\n");

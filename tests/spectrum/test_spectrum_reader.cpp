@@ -166,6 +166,7 @@ TEST(SpectrumReader, RoiSectionEndsAtTheNextTagWhichIsStillRead) {
     ASSERT_EQ(doc->plot.rois.size(), 1u); // "2" and the empty line have fewer than two parts
     EXPECT_TRUE(doc->plot.rois[0].bFlag);
     EXPECT_EQ(doc->plot.rois[0].szName, "Ba 133 peak");
+    EXPECT_EQ(doc->rois.item(1).vntID(), "Ba 133 peak");
     EXPECT_EQ(doc->lChannels, 2);
     EXPECT_EQ(doc->lCounts[1], 4);
 }

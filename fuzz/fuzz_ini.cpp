@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "shell/CPrivateINI.h"
+#include "shell/TextFile.h"
 
 namespace {
 
@@ -36,6 +37,13 @@ const std::string& ScratchFile() {
 std::string NameFrom(const std::string& text) {
     std::size_t end = text.find_first_of("\r\n");
     return text.substr(0, std::min<std::size_t>(end, 40));
+}
+
+// A name that stays one name in the file: none of `breaking` in it as the file will hold
+// it (the code-page conversion may turn a malformed UTF-8 sequence into a line end).
+bool IsPlainName(const std::string& name, const char* breaking) {
+    const std::string onDisk = vexo::Utf8ToWin1252(name);
+    return !onDisk.empty() && onDisk.find_first_of(breaking) == std::string::npos;
 }
 
 } // namespace
@@ -70,9 +78,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     ini.GetLongValue(section, key, 7);
 
     ini.PutValue(section, key, "fuzz value");
-    if (ini.GetValue(section, key, "") != "fuzz value" &&
-        section.find_first_of("\r\n]") == std::string::npos &&
-        key.find_first_of("\r\n=;[") == std::string::npos && !key.empty() && !section.empty())
+    if (IsPlainName(section, "\r\n]") && IsPlainName(key, "\r\n=;[") &&
+        ini.GetValue(section, key, "") != "fuzz value")
         std::abort(); // a plain name written must read back
     ini.DeleteKey(section, key);
     ini.GetSections();

@@ -2,6 +2,7 @@
 
 #include "shell/TextFile.h"
 
+#include <algorithm>
 #include <fstream>
 #include <system_error>
 
@@ -242,49 +243,66 @@ std::string IniFile::readSection(std::string_view section, std::size_t bufferSiz
 
 bool IniFile::writeString(std::string_view section, std::optional<std::string_view> key,
                           std::optional<std::string_view> value) {
-    if (!key) {
-        bool changed = false;
-        while (auto span = findSection(section)) {
-            std::size_t last = span->lastEntry + 1;
-            while (last < span->end && Classify(m_lines[last]).kind == LineKind::Blank)
-                ++last;
-            m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(span->header),
-                          m_lines.begin() + static_cast<std::ptrdiff_t>(last));
-            changed = true;
-        }
-        return changed;
+    if (!key)
+        return removeSections(section);
+    if (!value)
+        return removeKey(section, *key);
+    return setValue(section, *key, *value);
+}
+
+bool IniFile::removeSections(std::string_view section) {
+    bool changed = false;
+    while (auto span = findSection(section)) {
+        std::size_t last = span->lastEntry + 1;
+        while (last < span->end && Classify(m_lines[last]).kind == LineKind::Blank)
+            ++last;
+        m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(span->header),
+                      m_lines.begin() + static_cast<std::ptrdiff_t>(last));
+        changed = true;
     }
+    return changed;
+}
+
+bool IniFile::removeKey(std::string_view section, std::string_view key) {
     auto span = findSection(section);
-    if (!value) {
-        if (!span)
-            return false;
-        bool changed = false;
-        while (auto at = findKey(*span, *key)) {
-            m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(*at));
-            --span->lastEntry;
-            --span->end;
-            changed = true;
-        }
-        return changed;
-    }
+    if (!span)
+        return false;
+    key = Trim(key);
+    auto first = m_lines.begin() + static_cast<std::ptrdiff_t>(span->header + 1);
+    auto last = m_lines.begin() + static_cast<std::ptrdiff_t>(span->lastEntry + 1);
+    auto kept = std::remove_if(first, last, [key](const std::string& line) {
+        LineInfo info = Classify(line);
+        return info.kind == LineKind::Entry && NamesEqual(info.name, key);
+    });
+    if (kept == last)
+        return false;
+    m_lines.erase(kept, last);
+    return true;
+}
+
+bool IniFile::setValue(std::string_view section, std::string_view key, std::string_view value) {
+    auto span = findSection(section);
+    std::string newLine = std::string(Trim(key)) + "=" + std::string(value);
     if (!span) {
         m_lines.push_back("[" + std::string(Trim(section)) + "]");
-        m_lines.push_back(std::string(Trim(*key)) + "=" + std::string(*value));
+        m_lines.push_back(std::move(newLine));
         return true;
     }
-    if (auto at = findKey(*span, *key)) {
-        std::string& line = m_lines[*at];
-        std::size_t eq = line.find('=');
-        std::string updated = eq == std::string::npos
-                                  ? std::string(Trim(line)) + "=" + std::string(*value)
-                                  : line.substr(0, eq + 1) + std::string(*value);
-        if (updated == line)
-            return false;
-        line = std::move(updated);
+    auto at = findKey(*span, key);
+    if (!at) {
+        m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(span->lastEntry + 1),
+                       std::move(newLine));
         return true;
     }
-    m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(span->lastEntry + 1),
-                   std::string(Trim(*key)) + "=" + std::string(*value));
+    // The line keeps its own spelling of the key and everything up to its '='.
+    std::string& line = m_lines[*at];
+    std::size_t eq = line.find('=');
+    std::string updated = eq == std::string::npos
+                              ? std::string(Trim(line)) + "=" + std::string(value)
+                              : line.substr(0, eq + 1) + std::string(value);
+    if (updated == line)
+        return false;
+    line = std::move(updated);
     return true;
 }
 

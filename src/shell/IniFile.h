@@ -103,6 +103,9 @@ private:
     };
 
     std::optional<SectionSpan> findSection(std::string_view name) const;
+    bool removeSections(std::string_view section);
+    bool removeKey(std::string_view section, std::string_view key);
+    bool setValue(std::string_view section, std::string_view key, std::string_view value);
     std::optional<std::size_t> findKey(const SectionSpan& span, std::string_view key) const;
 
     std::vector<std::string> m_lines;

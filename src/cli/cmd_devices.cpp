@@ -67,9 +67,9 @@ Options ParseOptions(const std::vector<std::string>& args) {
 
 void PrintRows(const std::vector<DeviceRow>& rows, bool json) {
     if (json) {
-        nlohmann::json list = nlohmann::json::array();
+        nlohmann::ordered_json list = nlohmann::ordered_json::array();
         for (const DeviceRow& row : rows)
-            list.push_back({{"No", row.No},
+            list.push_back(nlohmann::ordered_json{{"No", row.No},
                             {"Name", row.Name},
                             {"Path", DetectorPathFor(row.Type, row.Path)},
                             {"Serial", row.Serial},

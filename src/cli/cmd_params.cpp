@@ -1,5 +1,6 @@
 // vexo-cli params: connects to one analyser as the Connect command does, reads its
 // identity and every parameter, prints the device state and MCA settings, and closes it.
+#include <array>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -52,7 +53,7 @@ Options ParseOptions(const std::vector<std::string>& args) {
     return o;
 }
 
-using FieldValue = std::variant<int64_t, float, double, std::string>;
+using FieldValue = std::variant<bool, int64_t, float, std::array<double, 3>, std::string>;
 struct Field {
     const char* name;
     FieldValue value;
@@ -62,7 +63,7 @@ struct Field {
 std::vector<Field> RecordFields(const SpectrumDocument& d) {
     return {
         {"szDevicePath", d.szDevicePath},     {"hDevice", int64_t{d.hDevice}},
-        {"bConnected", int64_t{d.bConnected}}, {"szDeviceName", d.szDeviceName},
+        {"bConnected", d.bConnected}, {"szDeviceName", d.szDeviceName},
         {"szDeviceSerial", d.szDeviceSerial}, {"szFirmwareVersion", d.szFirmwareVersion},
         {"nFwMajor", int64_t{d.nFwMajor}},     {"nFwMinor", int64_t{d.nFwMinor}},
         {"szFirmwareDate", d.szFirmwareDate}, {"szProductionDate", d.szProductionDate},
@@ -88,20 +89,22 @@ std::vector<Field> RecordFields(const SpectrumDocument& d) {
         {"lPresetLastCh", int64_t{d.lPresetLastCh}},
         {"lPolarity", int64_t{d.lPolarity}},   {"lBLR", int64_t{d.lBLR}},
         {"lPUR", int64_t{d.lPUR}},             {"sngHighVoltage", d.sngHighVoltage},
-        {"lHVOn", int64_t{d.lHVOn}},           {"dDeviceCal0", d.dDeviceCal[0]},
-        {"dDeviceCal1", d.dDeviceCal[1]},      {"dDeviceCal2", d.dDeviceCal[2]},
+        {"lHVOn", int64_t{d.lHVOn}},           {"dDeviceCal", d.dDeviceCal},
         {"lClockHz", int64_t{d.lClockHz}},     {"sngMaxHV", d.sngMaxHV},
         {"lFineGainMax", int64_t{d.lFineGainMax}},
     };
 }
 
 std::string AsText(const FieldValue& value) {
+    if (const auto* b = std::get_if<bool>(&value))
+        return *b ? "true" : "false";
     if (const auto* i = std::get_if<int64_t>(&value))
         return std::to_string(*i);
     if (const auto* f = std::get_if<float>(&value))
         return ShortestSingleText(*f);
-    if (const auto* d = std::get_if<double>(&value))
-        return DoubleToText(*d);
+    if (const auto* cal = std::get_if<std::array<double, 3>>(&value))
+        return DoubleToText((*cal)[0]) + " " + DoubleToText((*cal)[1]) + " " +
+               DoubleToText((*cal)[2]);
     return std::get<std::string>(value);
 }
 
@@ -113,14 +116,8 @@ void PrintRecord(const SpectrumDocument& doc, bool json) {
         return;
     }
     nlohmann::ordered_json object = nlohmann::ordered_json::object();
-    for (const Field& f : fields) {
+    for (const Field& f : fields)
         std::visit([&](const auto& v) { object[f.name] = v; }, f.value);
-    }
-    // The calibration kept in the device is one field of three terms.
-    object.erase("dDeviceCal0");
-    object.erase("dDeviceCal1");
-    object.erase("dDeviceCal2");
-    object["dDeviceCal"] = {doc.dDeviceCal[0], doc.dDeviceCal[1], doc.dDeviceCal[2]};
     std::printf("%s\n", object.dump(2).c_str());
 }
 

@@ -177,7 +177,8 @@ void TopLevel::buildToolbar() {
 }
 
 void TopLevel::buildStatusBar() {
-    const int widths[kStatusPanelCount] = {230, 160, 120, 130, 0, 90, 110, 170, 120};
+    // Panels size to their text; the elapsed-time panel takes what is left.
+    const int widths[kStatusPanelCount] = {90, 60, 60, 40, 0, 60, 60, 70, 40};
     for (int i = 0; i < kStatusPanelCount; ++i) {
         auto* label = new QLabel(this);
         label->setFrameStyle(QFrame::Panel | QFrame::Sunken);

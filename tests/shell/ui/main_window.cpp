@@ -1,0 +1,264 @@
+// The main window with the simulated analyser loaded for real: opening files, the
+// toolbar per update code, zoom, the cursor read-out, and a whole measurement from
+// Connect to reopening the saved file. With VEXO_SCREENSHOT_DIR set, the states are
+// also saved as pictures (scripts/screenshots.sh).
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <fstream>
+
+#include "device/AcquisitionController.h"
+#include "device/ui/frmDevices.h"
+#include "shell/Messages.h"
+#include "shell/ui/SpectrumPlot.h"
+#include "shell/ui/TopLevel.h"
+#include "spectrum/SpectrumCommands.h"
+
+using namespace vexo;
+
+class MainWindowTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    ScriptedMessages m_messages;
+
+    std::filesystem::path dir() const { return m_dir.path().toStdString(); }
+    bool enabled(TopLevel& w, const char* key) { return w.action(key)->isEnabled(); }
+    void shoot(QWidget& w, const char* name) {
+        const QByteArray out = qgetenv("VEXO_SCREENSHOT_DIR");
+        if (out.isEmpty()) return;
+        QApplication::processEvents();
+        w.grab().save(QString::fromUtf8(out) + "/" + name + ".png");
+    }
+    // A 1024-channel spectrum with one peak, saved as a full file.
+    QString writeSpectrum(const char* name, bool full = true) {
+        SpectrumDocument doc;
+        doc.lChannels = 1024;
+        for (int ch = 0; ch < 1024; ++ch)
+            doc.lCounts[ch] = 50 + (ch > 250 && ch < 280 ? 4000 - 12 * (ch - 265) * (ch - 265) : 0);
+        doc.sngLiveTime = 100.0f;
+        doc.sngRealTime = 101.0f;
+        doc.szSpectrumID = "Cs-137 check";
+        const std::filesystem::path path = dir() / name;
+        ScriptedMessages quiet;
+        const bool ok = full ? SaveAllSpectrum(doc, path, quiet) : SaveSpectrum(doc, path).ok;
+        if (!ok) qFatal("cannot write the test spectrum");
+        return QString::fromStdString(path.string());
+    }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(m_dir.isValid());
+        const std::filesystem::path sim = dir() / "KORVHW.ini";
+        std::ofstream(sim) << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir="
+                           << (dir() / "sim").string()
+                           << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
+                              "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n";
+        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(sim.string()));
+        qputenv("VEXO_DEVICE_LIBRARY", VEXO_BIN_DIR "/libKORVHW.so");
+    }
+
+    void init() { m_messages.clear(); }
+
+    void startUpDisconnectedNoFile() {
+        TopLevel w(dir(), &m_messages);
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
+        QVERIFY(enabled(w, "tbConnect"));
+        QVERIFY(!enabled(w, "tbDisconnect"));
+        QVERIFY(!enabled(w, "tbSave"));
+        QVERIFY(!enabled(w, "tbPrint"));
+        QVERIFY(!enabled(w, "tbStart"));
+        QVERIFY(!enabled(w, "mnuFileSave"));
+        QVERIFY(w.action("tbLin")->isChecked()); // linear is the default scale
+        QVERIFY(!w.action("tbProcess")->isVisible());
+        QVERIFY(m_messages.shown().empty());
+    }
+
+    void openFileSetsTitlePanelsAndButtons() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        QVERIFY(w.openSpectrum(writeSpectrum("cs137.spe")));
+        QCOMPARE(w.windowTitle(), QString("Vexo - cs137.spe"));
+        QCOMPARE(w.panelText(StatusPanel::File), QString("File: cs137.spe"));
+        QVERIFY(w.panelText(StatusPanel::CountRate).endsWith(" cps"));
+        QCOMPARE(w.spectrumIdBox()->text(), QString("Cs-137 check"));
+        QVERIFY(enabled(w, "tbSave"));
+        QVERIFY(enabled(w, "tbPrint") == false); // no report in this version
+        QVERIFY(!enabled(w, "tbStop"));
+        QVERIFY(!enabled(w, "tbStart"));
+        QCOMPARE(w.document().lChannels, 1024);
+        QCOMPARE(w.DataPlot42()->xMax(), 1023);
+        QVERIFY(m_messages.shown().empty());
+        shoot(w, "main_file");
+    }
+
+    void openMissingFileIsReported() {
+        TopLevel w(dir(), &m_messages);
+        QVERIFY(!w.openSpectrum(m_dir.path() + "/missing.spe"));
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(QString::fromStdString(m_messages.shown()[0].title), QString("Vexo"));
+        QVERIFY(QString::fromStdString(m_messages.shown()[0].text).startsWith("Error opening file: "));
+        QCOMPARE(w.windowTitle(), QString("Vexo"));
+    }
+
+    void spectrumIdBoxWritesTheRecord() {
+        TopLevel w(dir(), &m_messages);
+        QTest::keyClicks(w.spectrumIdBox(), "S17");
+        QCOMPARE(w.document().szSpectrumID, std::string("S17"));
+    }
+
+    void zoomInAndOut() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        QVERIFY(w.openSpectrum(writeSpectrum("zoom.spe")));
+        w.DataPlot42()->setMarkedRange(300, 200);
+        w.action("mnuViewZoomIn")->trigger();
+        QVERIFY(w.zoom().zoomed);
+        QCOMPARE(w.DataPlot41()->xMin(), 200);
+        QCOMPARE(w.DataPlot41()->xMax(), 300);
+        QVERIFY(w.action("tbZoom")->isChecked());
+        QVERIFY(!enabled(w, "mnuViewZoomIn"));
+        shoot(w, "main_zoomed");
+        w.DataPlot42()->setMarkedRange(10, 20);
+        w.zoomIn(); // already zoomed: nothing changes
+        QCOMPARE(w.DataPlot41()->xMin(), 200);
+        w.dispatchToolButton("tbZoom");
+        QVERIFY(!w.zoom().zoomed);
+        QCOMPARE(w.DataPlot41()->xMin(), 0);
+        QCOMPARE(w.DataPlot41()->xMax(), 1023);
+        QVERIFY(!w.action("tbZoom")->isChecked());
+        w.zoomOut(); // not zoomed: nothing happens
+        QCOMPARE(w.DataPlot41()->xMax(), 1023);
+    }
+
+    void cursorReadoutAndEnergyAxis() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        QVERIFY(w.openSpectrum(writeSpectrum("cursor.dat", false))); // plain: not calibrated
+        w.SetCursor(265);
+        QStringList info = w.infoTexts();
+        QCOMPARE(info[0], QString("Channel 265"));
+        QCOMPARE(info[1], QString("Counts 4050"));
+        QCOMPARE(info[2], QString("Not calibrated"));
+        QCOMPARE(info[3], QString("0.00 keV"));
+        QCOMPARE(info[4], QString("0 CPS"));
+        w.action("mnuViewEn")->trigger();
+        QVERIFY(w.document().calibration.bCalibrated); // viewing energies adopts the default
+        QCOMPARE(w.xUnit(), XUnit::Energy);
+        QVERIFY(w.action("mnuViewEn")->isChecked());
+        QVERIFY(!w.action("mnuViewChn")->isChecked());
+        w.UpdateInfo();
+        QCOMPARE(w.infoTexts()[2], QString("662.50 keV"));
+        w.SetCursor(20000); // outside the array: read-out unchanged
+        QCOMPARE(w.infoTexts()[0], QString("Channel 265"));
+        w.dispatchToolButton("tbLog");
+        QVERIFY(w.action("tbLog")->isChecked());
+        QVERIFY(!w.action("tbLin")->isChecked());
+        QVERIFY(w.action("mnuViewLog")->isChecked());
+        shoot(w, "main_energy_log");
+        // A click on the main plot moves the cursor and the read-out follows.
+        SpectrumPlot* plot = w.DataPlot41();
+        const int x = static_cast<int>(plot->xAxis->coordToPixel(plot->xAxis->range().center()));
+        QTest::mouseClick(plot, Qt::LeftButton, {}, QPoint(x, plot->height() / 2));
+        QVERIFY(plot->cursorChannel() > 400 && plot->cursorChannel() < 620);
+        QCOMPARE(w.infoTexts()[0], QString("Channel %1").arg(plot->cursorChannel()));
+        w.action("mnuViewChn")->trigger();
+        QCOMPARE(w.xUnit(), XUnit::Channels);
+    }
+
+    void connectStartTickStopSaveAllReopen() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        // The device list is modal: drive it from inside its own event loop.
+        QTimer::singleShot(0, [] {
+            auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
+            if (!list) return;
+            list->tmrSearch();
+            list->tmrSearch(); // rows lag one tick behind the search
+            list->cmdOpen();
+        });
+        w.connectDevice();
+        QVERIFY2(w.document().hDevice != 0, "the simulated analyser did not open");
+        QCOMPARE(w.panelText(StatusPanel::Connection),
+                 QString("Connected to KORV MCA-10 S/N 10230417"));
+        QVERIFY(enabled(w, "tbStart"));
+        QVERIFY(!enabled(w, "tbStop"));
+        QVERIFY(!enabled(w, "tbConnect"));
+        QVERIFY(w.refreshTimer().isActive());
+
+        w.action("mnuMCAStart")->trigger();
+        QVERIFY(w.acquisition()->bAcqActive());
+        QVERIFY(enabled(w, "tbStop"));
+        QVERIFY(!enabled(w, "tbStart"));
+        for (int i = 0; i < 6; ++i) w.acquisition()->tick();
+        QVERIFY(w.panelText(StatusPanel::Elapsed).startsWith("Elapsed time (seconds): "));
+        QVERIFY(w.panelText(StatusPanel::CountRate).endsWith(" cps"));
+        long long total = 0;
+        for (int ch = 0; ch < w.document().lChannels; ++ch) total += w.document().lCounts[ch];
+        QVERIFY(total > 0);
+        shoot(w, "main_acquiring");
+
+        w.dispatchToolButton("tbStop");
+        QVERIFY(!w.acquisition()->bAcqActive());
+        QVERIFY(enabled(w, "tbStart"));
+        const QString saved = m_dir.path() + "/measured.spe";
+        QVERIFY(w.saveAllSpectrum(saved));
+        const auto counts = w.document().lCounts;
+        const int channels = w.document().lChannels;
+
+        w.action("mnuFileDisconnect")->trigger();
+        QCOMPARE(w.document().hDevice, 0);
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
+        QVERIFY(!w.refreshTimer().isActive());
+
+        w.document().lCounts.fill(0);
+        QVERIFY(w.openSpectrum(saved));
+        QCOMPARE(w.document().lChannels, channels);
+        for (int ch = 0; ch < channels; ++ch) QCOMPARE(w.document().lCounts[ch], counts[ch]);
+        QVERIFY2(m_messages.shown().empty(),
+                 m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    void secondConnectIsRefused() {
+        TopLevel w(dir(), &m_messages);
+        QTimer::singleShot(0, [] {
+            auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
+            if (!list) return;
+            list->tmrSearch();
+            list->tmrSearch();
+            list->cmdOpen();
+        });
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        m_messages.clear();
+        w.dispatchToolButton("tbConnect");
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text, std::string("Already connected"));
+        w.close();
+        QCOMPARE(w.document().hDevice, 0); // shut-down closes the device
+    }
+
+    void emptyDeviceListRefusesOpen() {
+        TopLevel w(dir(), &m_messages);
+        QTimer::singleShot(0, [] {
+            auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
+            if (!list) return;
+            list->cmdOpen(); // no tick yet: the list is empty
+            list->reject();
+        });
+        w.connectDevice();
+        QCOMPARE(w.document().hDevice, 0);
+        // Start-up may also have said that the report styles file is missing.
+        int listEmpty = 0;
+        for (const Message& m : m_messages.shown())
+            listEmpty += m.text == kEmptyDeviceListText && m.title == "Vexo";
+        QCOMPARE(listEmpty, 1);
+    }
+};
+
+QTEST_MAIN(MainWindowTest)
+#include "main_window.moc"

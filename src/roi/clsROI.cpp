@@ -14,7 +14,8 @@
 //     values defined as floats are narrowed where they are formed (centroid c, background
 //     per channel b1, the rates, BkgAtPosition and its four averaged sums), the others
 //     (height h, half level H, crossings xL/xR, width F, energies) stay in double until
-//     they are stored. A finite double beyond float range is an OverflowError, an
+//     they are stored: near channel 16000 a float resolves only a thousandth of a channel,
+//     which would show in a width of a few channels. A finite double beyond float range is an OverflowError, an
 //     infinite or NaN result or a division by zero a FloatingPointError;
 //   - float-to-integer conversions round to nearest, ties to even, range-checked.
 

@@ -6,6 +6,7 @@
 
 #include "CliCommand.h"
 #include "MeasureSession.h"
+#include "device/AcquisitionController.h"
 #include "device/ScopeController.h"
 #include "shell/TextFile.h"
 
@@ -78,16 +79,24 @@ int Run(const std::vector<std::string>& args) {
     ScopeController scope(session.library(), session.document());
     scope.setSource(o.input ? ScopeSource::Input : ScopeSource::Filtered);
     std::vector<ScopeTrace> traces;
-    int idle = 0;
-    while (static_cast<int>(traces.size()) < o.traces) {
-        session.pacer().wait();
+    // The scope rides on the refresh tick, after its status poll, as in the window.
+    AcquisitionHooks hooks;
+    hooks.scopeCycle = [&] {
         if (scope.DisplayWaveform()) {
             traces.push_back(scope.trace());
-            idle = 0;
             std::fprintf(stderr, "trace %zu of %d\n", traces.size(), o.traces);
-        } else if (++idle >= 20) {
-            throw Failure{"no scope trace after 20 ticks"};
         }
+    };
+    AcquisitionController acq(session.library(), session.document(), session.messages(), hooks);
+    for (int idle = 0; static_cast<int>(traces.size()) < o.traces;) {
+        const std::size_t before = traces.size();
+        session.pacer().wait();
+        acq.tick();
+        if (session.document().hDevice == 0)
+            throw Failure{"the device was lost"};
+        idle = traces.size() == before ? idle + 1 : 0;
+        if (idle >= 20)
+            throw Failure{"no scope trace after 20 ticks"};
     }
     WriteCsv(traces, o.out);
     std::printf("fullScale = %d\nfile = %s\n", scope.fullScale(), o.out.c_str());

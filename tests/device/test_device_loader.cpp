@@ -105,5 +105,46 @@ TEST(DeviceLibraryLoader, SimulatedLibraryResolvesEveryExportAndLoadsTwice) {
     EXPECT_LT(first.getAcquisitionStatus(12345, status), 0);
 }
 
+// Builds a shared library exporting every device operation except `missing`, with the
+// system's C compiler; returns an empty path when no compiler is available.
+std::filesystem::path BuildLibraryWithout(const test::TempDir& dir, const std::string& missing) {
+    const char* names[] = {"FindDevicesEx", "FindDevices", "GetDeviceInfo", "OpenDevice",
+                           "OpenDeviceEx", "CloseDevice", "GetParam", "SetParam",
+                           "StartAcquisition", "StopAcquisition", "ClearAll", "ClearMemory",
+                           "ClearTime", "RestoreDefaults", "GetAcquisitionStatus",
+                           "ReadSpectrum", "ArmScope", "GetScopeStatus", "ReadScope",
+                           "SaveSettings"};
+    std::string source;
+    for (const char* name : names)
+        if (missing != name)
+            source += std::string("int ") + name + "(void) { return -7; }\n";
+    test::WriteBytes(dir / "partial.c", source);
+    const auto library = dir / "libPARTIAL.so";
+    const std::string command = "cc -shared -fPIC -o '" + library.string() + "' '" +
+                                (dir / "partial.c").string() + "' 2>/dev/null";
+    if (std::system(command.c_str()) != 0 || !std::filesystem::exists(library))
+        return {};
+    return library;
+}
+
+TEST(DeviceLibraryLoader, EveryExportIsResolvedUpFrontEvenTheUnusedOnes) {
+    for (const char* missing : {"RestoreDefaults", "ClearTime", "OpenDeviceEx", "SaveSettings"}) {
+        test::TempDir dir;
+        const auto library = BuildLibraryWithout(dir, missing);
+        if (library.empty())
+            GTEST_SKIP() << "no C compiler to build a partial library";
+        DeviceLibraryLoad load = DeviceLibrary::Load(library);
+        EXPECT_EQ(load.library, nullptr) << missing;
+        EXPECT_NE(load.error.find(std::string("has no export ") + missing), std::string::npos)
+            << load.error;
+    }
+    test::TempDir dir;
+    const auto complete = BuildLibraryWithout(dir, "");
+    ASSERT_FALSE(complete.empty());
+    DeviceLibraryLoad load = DeviceLibrary::Load(complete);
+    ASSERT_NE(load.library, nullptr) << load.error;
+    EXPECT_EQ(load.library->findDevicesEx(0, 50, true), -7);
+}
+
 } // namespace
 } // namespace vexo

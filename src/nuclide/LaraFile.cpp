@@ -111,8 +111,8 @@ struct Parser {
             result.nuclide.name = f[1];
         else if (f[0] == "Z" && f.size() > 1) {
             auto z = StrictDouble(f[1]);
-            if (!z || *z < 0 || *z > 200)
-                return fail(lineNo, "atomic number is not a number");
+            if (!z || *z < 0 || *z > 200 || *z != static_cast<int>(*z))
+                return fail(lineNo, "atomic number is not a whole number from 0 to 200");
             result.nuclide.atomicNumber = static_cast<int>(*z);
         } else if (StartsWith(f[0], "Half-life"))
             return halfLife(lineNo, f);

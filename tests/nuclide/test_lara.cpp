@@ -63,6 +63,7 @@ TEST(Lara, BrokenInputIsReportedWithItsLine) {
         {"Nuclide ; X-1\nHalf-life (fortnight) ; 1 ; 0\n", "line 2"},
         {"Nuclide ; X-1\nHalf-life (d) ; soon ; 0\n", "line 2"},
         {"Nuclide ; X-1\nZ ; many\n", "line 2"},
+        {"Nuclide ; X-1\nZ ; 55.5\n", "line 2"},
         {"Nuclide ; X-1\nEnergy (keV) ; a\n12 ; ; x ; ; g ; X\n", "line 3"},
         {"Nuclide ; X-1\nEnergy (keV) ; a\n12 ; ; 1\n", "line 3"},
     };

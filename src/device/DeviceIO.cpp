@@ -164,7 +164,12 @@ void ReadAllParams(DeviceLibrary& lib, SpectrumDocument& doc) {
     doc.lCapabilities = kCapabilitiesStart;
     const std::string model = ModelCode(doc.szDeviceSerial);
 
-    lib.getParam(h, Id::Channels, doc.lChannels);
+    // Everything that walks the counts array trusts lChannels, so a device answer
+    // outside the array (a damaged or foreign device) leaves the old count in place.
+    int32_t channels = doc.lChannels;
+    lib.getParam(h, Id::Channels, channels);
+    if (channels >= 1 && channels <= MAX_CHANNELS)
+        doc.lChannels = channels;
     lib.getParam(h, Id::AcqMode, doc.lMCSMode);
 
     if (lib.getParam(h, Id::PresetMode, doc.lPresetMode) != 0) {

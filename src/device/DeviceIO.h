@@ -19,7 +19,8 @@ void ReadDeviceInfo(DeviceLibrary& lib, SpectrumDocument& doc, Messages& message
 // Read-all: every MCA setting and device field, in the device's fixed order, with the
 // optional ids recorded in lCapabilities. Failures are never shown: a missing optional
 // parameter clears or leaves unset its capability bit; a failing plain read leaves the
-// field as the library left it. Does nothing when hDevice is 0.
+// field as the library left it, except lChannels, which only takes a count from 1 to
+// MAX_CHANNELS. Does nothing when hDevice is 0.
 void ReadAllParams(DeviceLibrary& lib, SpectrumDocument& doc);
 
 // Write-all: every MCA setting from the record to the device, return codes ignored,

@@ -60,6 +60,9 @@ Options ParseOptions(const std::vector<std::string>& args) {
     return o;
 }
 
+// Status polls that may fail in a row before the command gives up on the device.
+constexpr int kMaxFailedPolls = 20;
+
 // Ticks until the device stops by itself, or until the forever time has passed (then
 // the command stops it). False when the device was lost on the way.
 bool Measure(MeasureSession& session, AcquisitionController& acq, bool& lost) {
@@ -72,6 +75,8 @@ bool Measure(MeasureSession& session, AcquisitionController& acq, bool& lost) {
         acq.tick();
         if (lost)
             return false;
+        if (acq.consecutiveFailedPolls() >= kMaxFailedPolls)
+            throw Failure{"the device does not answer: " + ErrorText(acq.lastPollError())};
         if (tick % 10 == 0)
             std::fprintf(stderr, "%s  %s\n", acq.panelTexts().status.c_str(),
                          acq.panelTexts().elapsed.c_str());

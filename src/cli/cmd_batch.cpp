@@ -108,6 +108,8 @@ int RunSequence(MeasureSession& session, AcquisitionController& acq, BatchContro
         if (batch.waitTimerEnabled())
             batch.tmrBatchWait();
         acq.tick();
+        if (acq.consecutiveFailedPolls() >= 20)
+            throw Failure{"the device does not answer: " + ErrorText(acq.lastPollError())};
     }
     return lost ? kExitFailure : kExitOk;
 }

@@ -19,7 +19,8 @@ AcquisitionController::AcquisitionController(DeviceLibrary& lib, SpectrumDocumen
                                              Messages& messages, AcquisitionHooks hooks,
                                              std::function<double()> now)
     : m_lib(lib), m_doc(doc), m_messages(messages), m_hooks(std::move(hooks)),
-      m_now(now ? std::move(now) : std::function<double()>(NowSerial)) {}
+      m_now(now ? std::move(now) : std::function<double()>(NowSerial)),
+      m_scratch(KORVHW_SPECTRUM_SLOTS) {}
 
 void AcquisitionController::refresh(int code) {
     if (m_hooks.refreshMainWindow)
@@ -160,9 +161,12 @@ bool AcquisitionController::DisplayStatus() {
     if (rc == 0)
         rc = m_lib.getParam(m_doc.hDevice, DeviceParamId::HVState, hv);
     if (rc != 0) {
+        ++m_failedPolls;
+        m_lastPollError = rc;
         connectionLost(rc);
         return false;
     }
+    m_failedPolls = 0;
     m_statusWord = status;
     m_deviceMode = mode;
     m_hvState = hv;
@@ -191,7 +195,7 @@ bool AcquisitionController::DisplaySpectrum() {
     if (m_doc.hDevice == 0)
         return false;
     // Read into a scratch buffer so a failing call cannot leave half a spectrum behind.
-    static thread_local std::vector<int32_t> buffer(KORVHW_SPECTRUM_SLOTS);
+    std::vector<int32_t>& buffer = m_scratch;
     std::fill(buffer.begin(), buffer.end(), 0);
     int32_t channels = 0;
     float realTime = 0.0f, liveTime = 0.0f;

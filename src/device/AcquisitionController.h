@@ -118,6 +118,10 @@ public:
     bool connected() const { return m_doc.hDevice != 0; }
     // Status word of the latest successful poll (0 stopped, bits 1/2/4).
     int32_t statusWord() const { return m_statusWord; }
+    // Status polls that failed in a row (0 after a good one), and the latest failure's
+    // library code: a caller without a user to watch can give up on a silent device.
+    int consecutiveFailedPolls() const { return m_failedPolls; }
+    int32_t lastPollError() const { return m_lastPollError; }
     // Acquisition mode the device reported at the latest poll (0 PHA, 1 MCS).
     int32_t deviceMode() const { return m_deviceMode; }
 
@@ -156,6 +160,9 @@ private:
     AcquisitionPanelTexts m_texts;
     AcquisitionReadings m_readings;
     std::vector<RoiReadout> m_roiReadouts;
+    std::vector<int32_t> m_scratch; // ReadSpectrum's target, KORVHW_SPECTRUM_SLOTS values
+    int m_failedPolls = 0;
+    int32_t m_lastPollError = 0;
 };
 
 // Library codes that mean the device is gone rather than that one call failed.

@@ -30,8 +30,7 @@ BatchController::BatchController(AcquisitionController& acquisition, AppSettings
 }
 
 BatchPanelTexts BatchController::panelTexts() const {
-    return MakeBatchPanelTexts(m_acq.bBatchMode(), m_bBatchWaiting,
-                               static_cast<float>(m_settings.lBatchWait) - m_sngBatchWaited,
+    return MakeBatchPanelTexts(m_acq.bBatchMode(), m_bBatchWaiting, waitRemainingSeconds(),
                                m_nBatchIndex, m_settings.bBatchUntilStop, m_settings.nBatchCount);
 }
 

@@ -69,6 +69,10 @@ public:
     float sngBatchWaited() const { return m_sngBatchWaited; }
     int16_t nBatchIndex() const { return m_nBatchIndex; }
     const BatchSettings& settings() const { return m_settings; }
+    // Seconds left of the current waiting interval (lBatchWait - sngBatchWaited).
+    float waitRemainingSeconds() const {
+        return static_cast<float>(m_settings.lBatchWait) - m_sngBatchWaited;
+    }
     const std::string& lastFile() const { return m_lastFile; }
 
     BatchPanelTexts panelTexts() const;

@@ -143,12 +143,13 @@ TEST(AcquisitionControl, DeviceStopsAtItsPreset) {
         EXPECT_LT(ticks, 400);
         EXPECT_FALSE(r.acq->bAcqActive());
         const SpectrumDocument& d = *r.sim.doc;
-        if (c.mode == 3)
+        if (c.mode == 3) {
             EXPECT_NEAR(d.sngLiveTime, c.seconds, 0.01);
-        if (c.mode == 2)
+        } else if (c.mode == 2) {
             EXPECT_NEAR(d.sngRealTime, c.seconds, 0.01);
-        if (c.mode == 4)
+        } else {
             EXPECT_GE(SumCounts(d, c.first, c.last), c.counts);
+        }
         // The final spectrum was read in the tick that found the device stopped.
         EXPECT_GT(SumCounts(d, 0, 16383), 0);
         EXPECT_EQ(r.acq->panelTexts().status, "Stopped");

@@ -109,6 +109,19 @@ TEST_F(CliTest, LostDeviceDuringAcquireSavesNothing) {
     EXPECT_FALSE(fs::exists(dir / "l.spe"));
 }
 
+TEST_F(CliTest, SilentDeviceEndsTheCommandInsteadOfHanging) {
+    SimDeviceSpec spec;
+    spec.failParam = "22:-12"; // every status poll fails, the link itself stays up
+    Configure(spec);
+    const CliRun r = Run("acquire " + Device() + " --preset live:5 --out '" +
+                         (dir / "q.spe").string() + "'");
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_NE(r.err.find("the device does not answer: Failed to receive data from device"),
+              std::string::npos)
+        << r.err;
+    EXPECT_FALSE(fs::exists(dir / "q.spe"));
+}
+
 TEST_F(CliTest, BatchPrintsEachSavedFile) {
     fs::create_directories(dir / "b");
     const CliRun r = Run("batch " + Device() + " --preset live:1 --count 3 --dir '" +

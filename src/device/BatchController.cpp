@@ -1,24 +1,22 @@
 #include "device/BatchController.h"
 
 #include "shell/ExternalProcessing.h"
-#include "shell/NumberFormat.h"
+#include "shell/MainWindowState.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo {
 
 BatchPanelTexts MakeBatchPanelTexts(bool batchOn, bool waiting, float waitRemainingSeconds,
                                     int done, bool untilStop, int count) {
-    BatchPanelTexts t;
-    if (!batchOn) {
-        t.batch = "BATCH OFF";
-        return t;
-    }
-    t.batch = waiting ? "BATCH ON (Waiting : " + FormatSingle(waitRemainingSeconds, "0.0") + ")"
-                      : "BATCH ON";
-    t.counter = "Acq. done: " + std::to_string(done);
-    if (!untilStop)
-        t.counter += " of " + std::to_string(count);
-    return t;
+    // The main window's rules own these texts; the batch only supplies its state.
+    MainWindowFlags f;
+    f.batchOn = batchOn;
+    f.batchWaiting = waiting;
+    f.batchWaitRemaining = waitRemainingSeconds;
+    f.batchDone = done;
+    f.batchUntilStop = untilStop;
+    f.batchCount = count;
+    return {BatchPanelText(f), BatchCounterText(f)};
 }
 
 BatchController::BatchController(AcquisitionController& acquisition, AppSettings* appSettings,

@@ -28,7 +28,8 @@ struct ScopePoint {
 // set as a point, each following one is joined to its predecessor by a line. Sample 0
 // lies on the centre line, +FS/2 on the top edge of the area inside the margin, -FS/2 on
 // its bottom edge. Coordinates are rounded to nearest, ties to even. Throws
-// OverflowError when the surface is so large that the inner size leaves 16 bits.
+// OverflowError when the surface is so large that the inner size leaves 16 bits, and
+// FloatingPointError for a size that is not finite.
 std::vector<ScopePoint> PlotData(const ScopeTrace& trace, double width, double height,
                                  int32_t fullScale);
 

@@ -306,3 +306,35 @@ TEST(BatchSoak, TwoHundredMeasurementsGiveTwoHundredCorrectFiles) {
     }
     EXPECT_TRUE(r.sim.messages.shown().empty());
 }
+
+TEST(BatchSequence, StopDuringTheWaitEndsTheWaitToo) {
+    BatchRig r;
+    BatchSettings s = r.Settings(5);
+    s.bBatchWait = true;
+    s.lBatchWait = 30;
+    r.batch->begin(s);
+    EXPECT_NE(std::find(r.codes.begin(), r.codes.end(), kRefreshOptionsBatch), r.codes.end());
+    while (!r.batch->bBatchWaiting() && r.passes < 200)
+        r.pass();
+    ASSERT_TRUE(r.batch->waitTimerEnabled());
+    r.sim.messages.queueAnswer(MsgAnswer::Ok);
+    EXPECT_TRUE(r.acq->stop());
+    EXPECT_FALSE(r.batch->waitTimerEnabled());
+    EXPECT_FALSE(r.batch->bBatchWaiting());
+    EXPECT_FALSE(r.batch->bBatchMode());
+    for (int i = 0; i < 10; ++i)
+        r.pass();
+    EXPECT_FALSE(r.acq->bAcqActive()); // the wait did not start another measurement
+    EXPECT_EQ(r.filesOnDisk().size(), 1u);
+}
+
+TEST(BatchFaults, StartingWithoutADeviceIsRefused) {
+    BatchRig r;
+    CloseMca(*r.sim.lib, *r.sim.doc);
+    r.batch->begin(r.Settings(3));
+    EXPECT_FALSE(r.batch->bBatchMode());
+    ASSERT_EQ(r.sim.messages.shown().size(), 1u);
+    EXPECT_EQ(r.sim.messages.shown()[0].title, "Batch Error");
+    EXPECT_EQ(r.sim.messages.shown()[0].text, "No MCA connection");
+    EXPECT_TRUE(r.filesOnDisk().empty());
+}

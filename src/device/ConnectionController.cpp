@@ -90,7 +90,8 @@ bool ConnectionController::connect(const std::function<DeviceChoice()>& chooseDe
     m_doc.bFromFile = false;
     Refresh(m_hooks, kRefreshConnection);
     m_settings.DetectorPath = DetectorPathFor(choice.type, choice.path);
-    m_doc.szDevicePath = m_settings.DetectorPath;
+    // A device of another type has no prefix to remember, but it is open all the same.
+    m_doc.szDevicePath = m_settings.DetectorPath.empty() ? choice.path : m_settings.DetectorPath;
     if (!SaveSettings(m_settings, false, m_appDir))
         m_messages.critical("Could not write the settings file " +
                             SettingsFilePath(m_appDir).string());

@@ -206,6 +206,7 @@ TEST_F(ConnectionTest, UnknownTypeRemembersAnEmptyPath) {
     m_settings.DetectorPath = "USB:before";
     EXPECT_TRUE(ctl.connect([] { return DeviceChoice{kDevicesOpen, "KORV-10-001", "", 7}; }));
     EXPECT_EQ(m_settings.DetectorPath, "");
+    EXPECT_EQ(m_doc->szDevicePath, "KORV-10-001");
 }
 
 TEST_F(ConnectionTest, AutoConnectRetriesUntilTheDeviceOpens) {

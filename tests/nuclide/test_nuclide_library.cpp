@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 #include "nuclide/NuclideLibrary.h"
 #include "shell/CPrivateINI.h"
+#include "spectrum/NumberParse.h"
 
 using namespace vexo;
 using vexo::test::TempDir;
@@ -238,4 +239,37 @@ TEST(NuclideLibrary, WriteIntoMissingFolderFails) {
     auto written = WriteNuclideLibrary(dir / "no" / "such" / "lib.nli", {});
     EXPECT_FALSE(written.ok);
     EXPECT_FALSE(written.error.empty());
+}
+
+// The reader takes a section's keys in one pass; its values must be those of
+// CPrivateINI::GetValue, key by key.
+TEST(NuclideLibrary, ValuesMatchTheIniStoreKeyByKey) {
+    TempDir dir;
+    std::string longName(1200, 'n');
+    WriteBytes(dir / "lib.nli", "[Info]\r\nFileID=Vexo Nuclide Library\r\n"
+                                "[Q]\r\nNucName=\"Cs-137\"\r\nEn='661.66'\r\nInt=\"5\r\n"
+                                "[Dup]\r\nen=1\r\nEN=2\r\n  NucName  =  spaced  \r\n"
+                                "[NoEq]\r\nEn\r\nEn=5\r\nNucName\r\n"
+                                "[Long]\r\nNucName=" + longName + "\r\n"
+                                "[Q]\r\nNucName=second section of the same name\r\n");
+    auto read = ReadNuclideLibrary(dir / "lib.nli");
+    ASSERT_TRUE(read.ok) << read.error;
+    CPrivateINI ini;
+    ini.setINIFile((dir / "lib.nli").string());
+    auto sections = ini.GetSections();
+    ASSERT_EQ(read.lines.size(), sections.size() - 1);
+    for (std::size_t i = 1; i < sections.size(); ++i) {
+        const clsNuclide& n = read.lines[i - 1];
+        EXPECT_EQ(n.szElemName, ini.GetValue(sections[i], "NucName", "")) << sections[i];
+        EXPECT_EQ(n.sEnergy, static_cast<float>(LeadingNumber(ini.GetValue(sections[i], "En", ""))))
+            << sections[i];
+    }
+    EXPECT_EQ(read.lines[0].szElemName, "Cs-137");
+    EXPECT_EQ(read.lines[0].sEnergy, 661.66f);
+    EXPECT_EQ(read.lines[0].sIntensity, 0.0f); // "\"5" keeps its lone quote
+    EXPECT_EQ(read.lines[1].sEnergy, 1.0f);    // first of duplicate keys
+    EXPECT_EQ(read.lines[1].szElemName, "spaced");
+    EXPECT_EQ(read.lines[2].sEnergy, 0.0f);    // the key line without "=" comes first
+    EXPECT_EQ(read.lines[3].szElemName.size(), 999u);
+    EXPECT_EQ(read.lines[4].szElemName, "Cs-137"); // a repeated name reads the first section
 }

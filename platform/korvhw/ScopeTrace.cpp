@@ -49,12 +49,26 @@ double PulseHeight(const ScopeRequest& r, Rng& rng) {
     return 0.45 * r.fullScale * (ch + 0.5) / channels;
 }
 
+// The trigger fires on the first pulse above its level (a tenth of the largest
+// height); after many small ones in a row it takes the largest seen.
+double TriggerPulseHeight(const ScopeRequest& r, Rng& rng) {
+    const double level = 0.1 * 0.45 * r.fullScale;
+    double largest = 0.0;
+    for (int attempt = 0; attempt < 64; ++attempt) {
+        const double height = PulseHeight(r, rng);
+        if (height >= level)
+            return height;
+        largest = std::max(largest, height);
+    }
+    return largest;
+}
+
 std::vector<Pulse> PlacePulses(const ScopeRequest& r, Rng& rng, double ticksPerSample,
                                double decayTicks) {
     std::vector<Pulse> pulses;
     if (!r.pulses)
         return pulses;
-    pulses.push_back({kScopeTriggerSample * ticksPerSample, PulseHeight(r, rng)});
+    pulses.push_back({kScopeTriggerSample * ticksPerSample, TriggerPulseHeight(r, rng)});
     // Others arrive at random, including tails of pulses from before the trace.
     const double span = kScopeSamples * ticksPerSample + 3.0 * decayTicks;
     const double expected = r.rateCps * span / r.clockHz;
@@ -79,7 +93,7 @@ void MakeScopeTrace(const ScopeRequest& r, Rng& rng, int16_t* samples) {
     // input shows the detector's own sign.
     const double shapedSign = r.polarityMatches ? 1.0 : -1.0;
     const double inputSign = r.detectorPolarity != 0 ? -1.0 : 1.0;
-    const double noise = r.fullScale * (r.input ? 0.003 : 0.0015);
+    const double noise = r.fullScale * (r.input ? 0.001 : 0.0005);
     const double top = r.fullScale / 2 - 1, bottom = -r.fullScale / 2;
     for (int32_t i = 0; i < kScopeSamples; ++i) {
         const double tick = i * ticksPerSample;

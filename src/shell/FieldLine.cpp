@@ -1,20 +1,34 @@
 #include "shell/FieldLine.h"
 
+#include <charconv>
+
 #include "shell/NumberFormat.h"
 
 namespace vexo {
 
 FieldLine& FieldLine::text(std::string_view item) {
     if (m_items > 0) {
-        std::size_t next = (m_line.size() / kFieldWidth + 1) * kFieldWidth;
-        m_line.append(next - m_line.size(), ' ');
+        std::size_t length = m_out->size() - m_start;
+        std::size_t next = (length / kFieldWidth + 1) * kFieldWidth;
+        m_out->append(next - length, ' ');
     }
-    m_line.append(item);
+    m_out->append(item);
     ++m_items;
     return *this;
 }
 
-FieldLine& FieldLine::integer(long long value) { return text(IntegerItem(value)); }
+FieldLine& FieldLine::integer(long long value) {
+    // The same item as IntegerItem, formatted in place without a temporary string:
+    // counts lines are the bulk of every spectrum file.
+    char buf[24];
+    char* p = buf;
+    *p++ = value < 0 ? '-' : ' ';
+    unsigned long long magnitude =
+        value < 0 ? 0ULL - static_cast<unsigned long long>(value) : static_cast<unsigned long long>(value);
+    p = std::to_chars(p, buf + sizeof buf - 1, magnitude).ptr;
+    *p++ = ' ';
+    return text(std::string_view(buf, static_cast<std::size_t>(p - buf)));
+}
 
 FieldLine& FieldLine::single(float value) { return text(SingleText(value)); }
 

@@ -42,4 +42,19 @@ FileBytes ReadFileBytes(const std::filesystem::path& path, std::size_t maxBytes)
     return result;
 }
 
+bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, std::string* error) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    if (!f) {
+        if (error)
+            *error = std::strerror(errno);
+        return false;
+    }
+    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
+    int savedErrno = errno;
+    ok = (std::fclose(f) == 0) && ok;
+    if (!ok && error)
+        *error = std::strerror(savedErrno ? savedErrno : EIO);
+    return ok;
+}
+
 } // namespace vexo

@@ -1,9 +1,10 @@
 #pragma once
-// Raw bytes of a file, read with a cap so that a huge or endless file cannot exhaust
+// Raw bytes of a file, written in one go or read with a cap so that a huge or endless file cannot exhaust
 // memory or time.
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace vexo {
 
@@ -16,5 +17,10 @@ struct FileBytes {
 
 // Reads at most `maxBytes` bytes of the file. Never throws for I/O problems.
 FileBytes ReadFileBytes(const std::filesystem::path& path, std::size_t maxBytes);
+
+// Writes `bytes` exactly, creating or overwriting the file, in one write. On failure
+// returns false and sets `error` to the system's description ("Permission denied");
+// a partly written file may remain.
+bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, std::string* error);
 
 } // namespace vexo

@@ -23,12 +23,12 @@ namespace vexo {
 // full spectrum file. Real files are well under 1 MiB.
 constexpr std::size_t kMaxSpectrumFileBytes = std::size_t{8} << 20;
 
-// The file's text (UTF-8, lines ended by CR LF). The calibration comes from the plot's
-// 32-bit copy (doc.plot), the ROI lines from doc.plot.rois. The last counts line always
-// holds eight values, those past the last channel being whatever the array holds there.
-// Throws SubscriptError when lChannels is above 16384 (the last line would run past the
-// counts array).
-std::string FullSpectrumText(const SpectrumDocument& doc);
+// The file's bytes as written: Windows-1252, lines ended by CR LF. The calibration comes
+// from the plot's 32-bit copy (doc.plot), the ROI lines from doc.plot.rois. The last
+// counts line always holds eight values, those past the last channel being whatever the
+// array holds there. Throws SubscriptError when lChannels is above 16384 (the last line
+// would run past the counts array).
+std::string FullSpectrumBytes(const SpectrumDocument& doc);
 
 // Writes (creates or overwrites) the full spectrum file. False after any error, with a
 // description in `error` (for example "Permission denied"); a partly written file may

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/FieldLine.h"
+#include "shell/NumberFormat.h"
 
 namespace vexo {
 namespace {
@@ -15,6 +16,22 @@ TEST(FieldLine, ItemsStartEveryFourteenColumns) {
     // A longer one pushes the next item to the following zone.
     EXPECT_EQ(FieldLine().text("ABCDEFGHIJKLMN").text("z").str(),
               "ABCDEFGHIJKLMN" + std::string(14, ' ') + "z");
+}
+
+TEST(FieldLine, IntegerItemsMatchTheSharedIntegerItem) {
+    for (long long v : {0LL, 1LL, -1LL, 9LL, 10LL, -10LL, 57LL, 16383LL, 99999LL, 1234567890LL,
+                        2147483647LL, -2147483648LL, 9223372036854775807LL,
+                        -9223372036854775807LL}) {
+        FieldLine line;
+        line.integer(v);
+        EXPECT_EQ(line.str(), IntegerItem(v)) << v;
+    }
+}
+
+TEST(FieldLine, AppendsToAnOuterBufferWithColumnsFromTheLineStart) {
+    std::string file = "$DATA:\r\n";
+    FieldLine(file).integer(0).integer(15);
+    EXPECT_EQ(file, "$DATA:\r\n 0             15 ");
 }
 
 TEST(FieldLine, SinglesAsTextAndAsNumberItems) {

@@ -73,7 +73,7 @@ TEST(SpectrumReader, RoundTripOfA1024ChannelSpectrum) {
 TEST(SpectrumReader, McsSpectrumComesBackAsPha) {
     auto written = test::MakeFullDocument();
     written->lMCSMode = 1;
-    auto doc = Parse(FullSpectrumText(*written));
+    auto doc = Parse(FullSpectrumBytes(*written));
     EXPECT_EQ(doc->lMCSMode, 0);
     EXPECT_EQ(doc->sngHighVoltage, 712.5f); // the word did not shift the fields after it
 }
@@ -81,7 +81,7 @@ TEST(SpectrumReader, McsSpectrumComesBackAsPha) {
 TEST(SpectrumReader, ThousandAndOneChannelsComeBack) {
     auto written = test::MakeFullDocument();
     written->lChannels = 1001;
-    auto doc = Parse(FullSpectrumText(*written));
+    auto doc = Parse(FullSpectrumBytes(*written));
     EXPECT_EQ(doc->lChannels, 1001);
     EXPECT_EQ(doc->lCounts[1000], written->lCounts[1000]);
     EXPECT_EQ(doc->lCounts[1001], 0); // the seven values past the end are not read

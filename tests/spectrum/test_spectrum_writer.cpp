@@ -95,7 +95,7 @@ TEST(SpectrumWriter, WritesTheExactLayout) {
 TEST(SpectrumWriter, NoRoiSectionWithoutPlotRois) {
     auto doc = SmallDocument();
     doc->plot.rois.clear();
-    std::string text = FullSpectrumText(*doc);
+    std::string text = FullSpectrumBytes(*doc);
     EXPECT_EQ(text.find("$ROI:"), std::string::npos);
     EXPECT_NE(text.find("1.234568E-05\r\n$DATA:\r\n"), std::string::npos);
 }
@@ -120,7 +120,7 @@ TEST_P(SpectrumWriterLastLine, HoldsEightValuesFromTheArray) {
     for (std::size_t i = 0; i < COUNTS_SLOTS; ++i)
         doc->lCounts[i] = static_cast<int32_t>(i) + 100000;
     doc->lChannels = GetParam().channels;
-    std::string text = FullSpectrumText(*doc);
+    std::string text = FullSpectrumBytes(*doc);
     auto lines = SplitLines(text);
     std::string expected;
     for (int k = 0; k < 8; ++k) {
@@ -152,7 +152,7 @@ TEST(SpectrumWriter, MoreChannelsThanTheArrayFailsWithoutWriting) {
 TEST(SpectrumWriter, ZeroChannelsWritesTheRangeAndNoCounts) {
     auto doc = std::make_unique<SpectrumDocument>();
     doc->lChannels = 0;
-    auto lines = SplitLines(FullSpectrumText(*doc));
+    auto lines = SplitLines(FullSpectrumBytes(*doc));
     EXPECT_EQ(lines.back(), " 0            -1 ");
 }
 

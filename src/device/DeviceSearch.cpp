@@ -1,5 +1,7 @@
 #include "device/DeviceSearch.h"
 
+#include <algorithm>
+
 namespace vexo {
 
 const char* const kEmptyDeviceListText =
@@ -24,7 +26,8 @@ int32_t DeviceSearch::tick() {
     m_restart = false;
     // Rows come from the previous tick's count: the library is still filling its list
     // for this call, so the window shows what it knew one tick ago.
-    const int32_t rowsToRead = m_found > 0 ? m_found : 0;
+    // Never more rows than were asked for, whatever count a faulty library returns.
+    const int32_t rowsToRead = std::clamp(m_found, int32_t{0}, kSearchMaxDevices);
     m_rows.resize(static_cast<std::size_t>(rowsToRead));
     for (int32_t i = 1; i <= rowsToRead; ++i) {
         const DeviceInfoResult info = m_lib.getDeviceInfo(i - 1);

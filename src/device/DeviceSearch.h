@@ -45,8 +45,8 @@ public:
 
     // tmrSearch: FindDevicesEx(0, 50, restart), restart cleared, then rows 1..N are
     // (re)written from GetDeviceInfo, where N is the count the previous tick's call
-    // returned (0 on the first tick); N then becomes this tick's return value. Rows
-    // past N are dropped. Returns this tick's FindDevicesEx status.
+    // returned (0 on the first tick, at most 50); N then becomes this tick's return
+    // value. Rows past N are dropped. Returns this tick's FindDevicesEx status.
     int32_t tick();
 
     const std::vector<DeviceRow>& rows() const { return m_rows; }

@@ -47,14 +47,14 @@ public:
     // Reads the file from disk (Windows-1252 bytes kept as they are). A missing file is an
     // empty one; std::nullopt when the file exists but cannot be read.
     static std::optional<IniFile> Load(const std::filesystem::path& path);
-    // Writes every line followed by CR LF, creating or overwriting the file. False when
-    // it cannot be written.
+    // Writes every line followed by CR LF, creating the file or overwriting it in place
+    // (then cutting it to length). False when it cannot be written.
     bool save(const std::filesystem::path& path) const;
 
     const std::vector<std::string>& lines() const { return m_lines; }
 
-    // GetPrivateProfileString into a buffer of `bufferSize` characters. Returns what the
-    // function stores before its return count, so the result's size is that count:
+    // GetPrivateProfileString into a buffer of `bufferSize` characters. Returns the first
+    // "returned count" characters the function leaves in its buffer:
     //   - no section: every section name, each followed by a NUL;
     //   - a section but no key: the section's key names (entries without '=' are left
     //     out), each followed by a NUL; when that is empty, the default value instead;

@@ -6,9 +6,11 @@
 #if defined(_WIN32)
 #include <windows.h>
 #else
+#include <cstdlib>
 #include <spawn.h>
 #include <sys/types.h>
 #include <sys/wait.h>
+#include <unistd.h>
 extern char** environ;
 #endif
 
@@ -96,12 +98,36 @@ void ReapFinishedChildren() {
     }
 }
 
+// Why `program` cannot be executed (empty when it can), looked up on PATH when its name
+// has no folder part. Checked up front because not every posix_spawn reports a failing
+// exec (implementations that fork and exec separately return success regardless).
+std::string NotExecutableReason(const std::string& program) {
+    if (program.empty())
+        return std::strerror(ENOENT);
+    if (program.find('/') != std::string::npos)
+        return ::access(program.c_str(), X_OK) == 0 ? std::string{} : std::strerror(errno);
+    const char* path = std::getenv("PATH");
+    std::string dirs = path ? path : "/usr/bin:/bin";
+    for (std::size_t start = 0; start <= dirs.size();) {
+        std::size_t end = dirs.find(':', start);
+        if (end == std::string::npos)
+            end = dirs.size();
+        const std::string dir = end > start ? dirs.substr(start, end - start) : ".";
+        if (::access((dir + "/" + program).c_str(), X_OK) == 0)
+            return {};
+        start = end + 1;
+    }
+    return std::strerror(ENOENT);
+}
+
 } // namespace
 
 LaunchResult LaunchProgram(const std::vector<std::string>& arguments) {
     ReapFinishedChildren();
     if (arguments.empty())
         return {false, "No program to start"};
+    if (std::string reason = NotExecutableReason(arguments[0]); !reason.empty())
+        return {false, reason + ": " + arguments[0]};
     std::vector<char*> argv;
     argv.reserve(arguments.size() + 1);
     for (const auto& a : arguments)

@@ -96,6 +96,20 @@ TEST(ReplaceAll, EveryOccurrenceEvenWhenTheReplacementHoldsThePlaceholder) {
     EXPECT_EQ(ReplaceAll("", "%F", "x"), "");
 }
 
+TEST(LaunchProgram, ProgramsThatCannotRunAreRefusedWithTheReason) {
+    EXPECT_FALSE(LaunchProgram({}).started);
+    const LaunchResult missing = LaunchProgram({"vexo-no-such-program-on-path"});
+    EXPECT_FALSE(missing.started);
+    EXPECT_EQ(missing.error, "No such file or directory: vexo-no-such-program-on-path");
+    test::TempDir dir;
+    const fs::path plain = dir / "plain.txt";
+    test::WriteBytes(plain, "not a program");
+    const LaunchResult notExecutable = LaunchProgram({plain.string()});
+    EXPECT_FALSE(notExecutable.started);
+    EXPECT_EQ(notExecutable.error, "Permission denied: " + plain.string());
+    EXPECT_TRUE(LaunchProgram({"true"}).started); // found on PATH
+}
+
 TEST(SplitCommandLine, QuotesGroupAndAreRemoved) {
     using V = std::vector<std::string>;
     EXPECT_EQ(SplitCommandLine("prog a b"), (V{"prog", "a", "b"}));
@@ -184,9 +198,8 @@ TEST(ExternalProcessing, ProgramThatCannotStartIsReportedAndTheFolderStaysWhereI
     const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
     EXPECT_EQ(outcome.status, ProcessStatus::LaunchFailed);
     ASSERT_EQ(messages.shown().size(), 1u);
-    EXPECT_EQ(messages.shown()[0].text.rfind("Failed to execute application: ", 0), 0u)
-        << messages.shown()[0].text;
-    EXPECT_GT(messages.shown()[0].text.size(), std::string("Failed to execute application: ").size());
+    EXPECT_EQ(messages.shown()[0].text, "Failed to execute application: No such file or directory: " +
+                                            s.szProgram);
     EXPECT_EQ(fs::current_path(), fs::canonical(dir.path()));
 }
 

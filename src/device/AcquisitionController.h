@@ -5,6 +5,13 @@
 // notice that the device stopped by itself (a preset reached), which in batch mode hands
 // over to the batch sequence. Headless: the window binds its timer to tick(), shows
 // panelTexts() and applies the refresh codes it is handed.
+//
+// Wiring in a window: tmrRefresh (kRefreshIntervalMs) -> tick(); hooks.refreshMainWindow
+// -> RefreshMainWindow(code); hooks.spectrumRead -> redraw plots and ROI read-outs
+// (roiReadouts()); hooks.scopeCycle -> ScopeController::DisplayWaveform when the scope
+// is shown; hooks.connectionLost -> the Disconnect command's clean-up (timers off,
+// device windows closed, full refresh). Menu Start/Stop/Clear -> start()/stop()/clear().
+// After a successful connect call deviceConnected().
 #include <cstdint>
 #include <functional>
 #include <optional>

@@ -34,15 +34,15 @@ struct ConnectionHooks {
     std::function<void()> closeDeviceWindows;         // settings and scope windows
 };
 
-// Opens `path` (as the device list reports it) and brings the program into the
-// connected state; the outcome is doc.bConnected. With a device already open:
+// Opens `path` (UTF-8, as the device list reports it; the library also takes it with
+// its type prefix) and brings the program into the connected state; the outcome is doc.bConnected. With a device already open:
 // "Already connected" (when showMessages) and bConnected = true. OpenDevice failing:
 // "Could not open MCA: " + ErrorText, or "Could not open MCA" for success without a
 // handle (critical, only when showMessages). On success: id 23 = 256, ReadDeviceInfo
-// (which reports its own failures), ReadAllParams, then the
-// settings controls, spectrum/status and main window (code 1) are refreshed and the
-// refresh timer enabled. `name` is the list's device name; the device's own name read
-// back by ReadDeviceInfo is what the record keeps.
+// (which reports its own failures), ReadAllParams, then the settings controls,
+// spectrum/status and main window (code 1) are refreshed and the refresh timer enabled.
+// `name` is the list's device name; the device's own name read back by ReadDeviceInfo
+// is what the record keeps. szDevicePath is left to the caller, which knows the prefix.
 void OpenMca(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
              const ConnectionHooks& hooks, const std::string& path, const std::string& name,
              bool showMessages);

@@ -45,7 +45,10 @@ bool bSaveFullSpectrum(const SpectrumDocument& doc, const std::filesystem::path&
 // "$DATA: " with a trailing blank is not a tag. Line ends may be CR LF, LF or CR. Lines
 // that are not tags are skipped, and so is "$MCA_CAL:", which the reader does not use.
 // Numbers are fields separated by blanks, commas or line ends (spectrum/FieldReader.h).
-// Sections: "$DATE_MEA:" (date taken by character position: "3-7-2024" is misread),
+// Sections: "$DATE_MEA:" (taken by character position, month 1-2, day 4-5, year 7-10,
+// hour 1-2, minute 4-5, second 7-8, each piece the number it begins with: "3-7-2024" is
+// misread as day -2 of March 2024; years 0-29 mean 2000-2029 and 30-99 mean 1930-1999;
+// a date outside the years 100-9999 fails the read; fewer than two parts: unchanged),
 // "$MEAS_TIM:", "$DEVICE_ID:", "$ACQ_SETTINGS:", "$HRDW_PARAMS:" (the mode word reads as
 // 0, so a spectrum always comes back as PHA), "$SPEC_CAL:" (sets the calibration, both
 // the 64-bit record and the plot's copy), "$ROI:" (replaces doc.plot.rois and doc.rois),

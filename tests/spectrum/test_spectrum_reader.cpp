@@ -137,6 +137,9 @@ INSTANTIATE_TEST_SUITE_P(
         // No leading zeros: month "3-" = 3, day "-2" = -2, year "24" (two digits, so
         // 2024); day -2 of March is three days before March 1st.
         DateCase{"3-7-2024 14:05:09", "2024-02-27T14:05:09"},
+        DateCase{"01-02-95 10:00:00", "1995-01-02T10:00:00"}, // two-digit years
+        DateCase{"12-31-29 10:00:00", "2029-12-31T10:00:00"},
+        DateCase{"ab-cd-efgh xx:yy:zz", "1999-11-30T00:00:00"}, // all 0: day 0 of month 0 of 2000
         DateCase{"03-07-2024", nullptr}, // one part: unchanged
         DateCase{"", nullptr}));
 

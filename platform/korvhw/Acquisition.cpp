@@ -80,10 +80,14 @@ void Acquisition::advance(double now, const AcquisitionConditions& c, Rng& rng) 
         const double rate = pulses && c.shape ? c.shape->triggerRateCps : 0.0;
         const double liveShare = 1.0 / (1.0 + rate * c.deadPerEvent);
         if (c.mcs) {
-            dt = std::min(dt, c.dwellSeconds - m_dwellElapsed);
-            runMcs(dt, pulses, c, rng);
-            m_last += dt;
-            m_dwellElapsed += dt;
+            // A dwell time shortened mid-run may already be used up: then the
+            // channel only moves on.
+            dt = std::min(dt, std::max(0.0, c.dwellSeconds - m_dwellElapsed));
+            if (dt > 0.0) {
+                runMcs(dt, pulses, c, rng);
+                m_last += dt;
+                m_dwellElapsed += dt;
+            }
             if (m_dwellElapsed >= c.dwellSeconds - kTimeEpsilon) {
                 m_dwellElapsed = 0.0;
                 if (m_mcsChannel + 1 >= c.channels)

@@ -3,7 +3,9 @@
 // scans and reproducibility.
 #include "KorvhwFixture.h"
 
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 namespace vexo::test {
 namespace {
@@ -281,6 +283,51 @@ TEST_F(KorvhwAcquisition, ClearAllEmptiesMemoryAndTimes) {
     EXPECT_EQ(r.total(), 0);
     EXPECT_EQ(r.realTime, 0.0f);
     EXPECT_EQ(r.liveTime, 0.0f);
+}
+
+TEST_F(KorvhwAcquisition, ClearMemoryAndClearTimeAreSeparate) {
+    const int32_t h = OpenCs(5000);
+    RunFor(h, 4);
+    ASSERT_EQ(lib().ClearMemory(h), 0);
+    Readout r = Read(h);
+    EXPECT_EQ(r.total(), 0);
+    EXPECT_FLOAT_EQ(r.realTime, 2.0f);
+    RunFor(h, 2);
+    ASSERT_EQ(lib().ClearTime(h), 0);
+    r = Read(h);
+    EXPECT_GT(r.total(), 0);
+    EXPECT_EQ(r.realTime, 0.0f);
+}
+
+TEST_F(KorvhwAcquisition, ShorterDwellMidScanMovesOn) {
+    const int32_t h = OpenCs(5000);
+    ASSERT_EQ(SetInt(h, 5, 1), 0);
+    ASSERT_EQ(SetInt(h, 6, 256), 0);
+    ASSERT_EQ(SetFloat(h, 9, 2.0f), 0);
+    ASSERT_EQ(lib().StartAcquisition(h), 0);
+    Status(h);
+    Status(h); // 1 s into a 2 s dwell
+    ASSERT_EQ(SetFloat(h, 9, 0.25f), 0);
+    Status(h);
+    int32_t channel = 0;
+    ASSERT_EQ(GetInt(h, 27, channel), 0);
+    EXPECT_EQ(channel, 3) << "the overdue channel closes, then two of 0.25 s";
+    EXPECT_FLOAT_EQ(Read(h).realTime, 1.5f);
+}
+
+TEST_F(KorvhwAcquisition, WallClockRunsAtTheSpeedFactor) {
+    UseConfig(DeviceSection(1, "10000001", "A", "Sources=Cs-137:1000"),
+              "Clock=wall\r\nSpeed=1000\r\n");
+    const int32_t h = Open("A");
+    ASSERT_EQ(SetInt(h, 30, 2), 0);
+    ASSERT_EQ(SetFloat(h, 9, 5.0f), 0);
+    ASSERT_EQ(lib().StartAcquisition(h), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Readout r = Read(h);
+    EXPECT_GT(r.realTime, 0.5f) << "1 ms at 1000 times speed";
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(Status(h), 0);
+    EXPECT_FLOAT_EQ(Read(h).realTime, 5.0f);
 }
 
 TEST_F(KorvhwAcquisition, SameSeedSameSpectrum) {

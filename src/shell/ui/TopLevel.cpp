@@ -21,6 +21,7 @@
 #include "spectrum/CountRate.h"
 #include "shell/ui/QtMessages.h"
 #include "shell/ui/SpectrumPlot.h"
+#include "spectrum/ui/calib.h"
 
 namespace vexo {
 
@@ -40,7 +41,6 @@ TopLevel::TopLevel(const std::filesystem::path& appDir, Messages* messages)
         {"mnuFilePrint", "The report and its print preview are not available in this version"},
         {"tbPrint", "Print report (not available in this version)"},
         {"mnuEditPref", "Preferences are not available in this version"},
-        {"mnuEditCalibrate", "The calibration dialog is not available in this version"},
         {"mnuMCASetup", "The MCA settings window is not available in this version"},
         {"tbSettings", "MCA settings (not available in this version)"},
         {"mnuMCABatch", "Batch acquisition is not available in this version"},
@@ -235,7 +235,13 @@ void TopLevel::UpdateInfo() {
     m_cursorLabels[2]->setText(QString::fromStdString(r->position));
 }
 
-void TopLevel::onCursorMoved(int) { UpdateInfo(); }
+// The clicked channel also waits in the calibration dialog, for the row being filled.
+void TopLevel::onCursorMoved(int channel) {
+    calibDialog()->SetChannel(channel);
+    UpdateInfo();
+}
+
+calib* TopLevel::existingCalibDialog() const { return m_calib.data(); }
 
 void TopLevel::dragEnterEvent(QDragEnterEvent* event) {
     if (event->mimeData()->hasUrls()) event->acceptProposedAction();

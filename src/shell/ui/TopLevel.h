@@ -34,6 +34,7 @@ class QtMessages;
 class ScopeController;
 class SpectrumPlot;
 class frmAutoConnect;
+class calib;
 
 class TopLevel : public QMainWindow {
     Q_OBJECT
@@ -75,6 +76,7 @@ public:
     void stopAcquisition();
     void clearAcquisition();
     void showDeviceInfo();
+    void showCalibration(); // Edit > Calibrate: the dialog, modal
 
     SpectrumDocument& document() { return m_doc; }
     AppSettings& settings() { return m_settings; }
@@ -89,6 +91,7 @@ public:
     QString panelText(StatusPanel panel) const;
     QStringList infoTexts() const; // cursor read-out lines and the ROI panel
     QLineEdit* spectrumIdBox() const { return m_txtSpectrumID; }
+    calib* existingCalibDialog() const;
     MainWindowFlags flags() const;
     AcquisitionController* acquisition() const { return m_acq.get(); }
     BatchController* batch() const { return m_batch.get(); }
@@ -135,6 +138,8 @@ private:
     void mnuROISave();
     void mnuHelpAbout();
     void onCursorMoved(int channel);
+    calib* calibDialog(); // created, unshown, on first use
+    void popupSpect(const QPoint& pos);
 
     std::filesystem::path m_appDir;
     std::unique_ptr<QtMessages> m_ownMessages;
@@ -155,6 +160,7 @@ private:
     std::unique_ptr<AutoConnect> m_autoConnect;
 
     QPointer<frmAutoConnect> m_frmAutoConnect;
+    QPointer<calib> m_calib;
     QTimer m_tmrRefresh;
     QTimer m_tmrConnect;
     QTimer m_tmrBatchWait;

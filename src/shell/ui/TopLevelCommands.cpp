@@ -15,6 +15,7 @@
 #include "spectrum/SpectrumCommands.h"
 #include "shell/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
+#include "spectrum/ui/calib.h"
 
 namespace vexo {
 
@@ -186,6 +187,22 @@ void TopLevel::mnuROIClearAll() {
 void TopLevel::mnuToolsProcess() {
     RunExternalProcessing(m_doc, ProcessSettingsFrom(m_settings), *m_messages,
                           WithTrailingSeparator(ExecutableDir()), NowSerial());
+}
+
+calib* TopLevel::calibDialog() {
+    if (!m_calib) {
+        CalibHooks hooks;
+        hooks.setCursor = [this](int32_t ch) { SetCursor(ch); };
+        hooks.applyCalibration = [this] { Calibrate(); };
+        m_calib = new calib(m_doc, m_settings.DefNucLib, *m_messages, hooks, this);
+    }
+    return m_calib;
+}
+
+void TopLevel::showCalibration() {
+    calib* dialog = calibDialog();
+    dialog->exec();
+    delete dialog; // a closed dialog is unloaded; the next one starts afresh
 }
 
 void TopLevel::mnuHelpAbout() {

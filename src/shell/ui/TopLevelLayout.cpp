@@ -150,7 +150,7 @@ void TopLevel::buildMenus() {
     buildFileMenu();
     QMenu* edit = menuBar()->addMenu("&Edit");
     addItem(edit, "mnuEditPref", "&Preferences...", nullptr);
-    addItem(edit, "mnuEditCalibrate", "&Calibrate...", nullptr);
+    addItem(edit, "mnuEditCalibrate", "&Calibrate...", &TopLevel::showCalibration);
     buildViewMenu();
     buildDeviceMenus();
 }
@@ -209,6 +209,8 @@ void TopLevel::buildCentral() {
     layout->addWidget(m_plot41, 4);
     layout->addWidget(m_plot42, 1);
     connect(m_plot41, &SpectrumPlot::cursorMoved, this, &TopLevel::onCursorMoved);
+    m_plot41->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_plot41, &QWidget::customContextMenuRequested, this, &TopLevel::popupSpect);
 
     m_infoBar = new QFrame;
     m_infoBar->setObjectName("InfoBar");
@@ -231,6 +233,28 @@ void TopLevel::buildCentral() {
     m_roiLabels[1]->setText("0 CPS");
     layout->addWidget(m_infoBar);
     setCentralWidget(central);
+}
+
+// The "Spectrum" pop-up: each item runs the View menu item of the same meaning.
+void TopLevel::popupSpect(const QPoint& pos) {
+    QMenu menu("Spectrum", this);
+    menu.setObjectName("popupSpect");
+    const std::pair<const char*, const char*> items[] = {
+        {"popupSpectDots", "mnuViewDots"}, {"popupSpectLines", "mnuViewLines"},
+        {"popupSpectBars", "mnuViewHisto"}, {"popupSpectLin", "mnuViewLin"},
+        {"popupSpectLog", "mnuViewLog"},   {"popupSpectSqrt", "mnuViewSqrt"}};
+    const char* captions[] = {"&Dots", "&Lines", "&Histogram", "L&in", "L&og", "Sqrt"};
+    for (int i = 0; i < 6; ++i) {
+        QAction* view = m_items[items[i].second];
+        QAction* a = menu.addAction(captions[i], view, &QAction::trigger);
+        a->setObjectName(items[i].first);
+        a->setCheckable(true);
+        a->setChecked(view->isChecked());
+        if (i == 2) menu.addSeparator();
+    }
+    menu.addSeparator();
+    menu.addAction("&Calibrate...", this, &TopLevel::showCalibration);
+    menu.exec(m_plot41->mapToGlobal(pos));
 }
 
 // The overview gets more room while zoomed, so the marked range stays easy to adjust.

@@ -16,6 +16,8 @@
 #include "shell/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 #include "spectrum/SpectrumCommands.h"
+#include "spectrum/ui/calib.h"
+#include <QComboBox>
 
 using namespace vexo;
 
@@ -168,6 +170,71 @@ private slots:
         QCOMPARE(w.infoTexts()[0], QString("Channel %1").arg(plot->cursorChannel()));
         w.action("mnuViewChn")->trigger();
         QCOMPARE(w.xUnit(), XUnit::Channels);
+    }
+
+    void calibrationFromClickedChannel() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        QVERIFY(w.openSpectrum(writeSpectrum("calib.dat", false)));
+        QVERIFY(!w.existingCalibDialog());
+        SpectrumPlot* plot = w.DataPlot41();
+        QTest::mouseClick(plot, Qt::LeftButton, {},
+                          QPoint(static_cast<int>(plot->xAxis->coordToPixel(100)), plot->height() / 2));
+        const int clicked = plot->cursorChannel();
+        QVERIFY(clicked >= 98 && clicked <= 102);
+        // The dialog was created unshown and already holds the channel in row A.
+        QVERIFY(w.existingCalibDialog());
+        QVERIFY(!w.existingCalibDialog()->isVisible());
+        QCOMPARE(w.existingCalibDialog()->txtCh(0)->text(), QString::number(clicked));
+
+        m_messages.queueAnswer(MsgAnswer::Ok); // the missing nuclide library
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        QTimer::singleShot(0, [] {
+            auto* dialog = qobject_cast<calib*>(QApplication::activeModalWidget());
+            if (!dialog) return;
+            dialog->txtCh(0)->setText("100");
+            dialog->cmbEn(0)->setEditText("661.66");
+            dialog->cmdOk();
+            if (dialog->isVisible()) dialog->reject(); // never leave the test hanging
+        });
+        w.action("mnuEditCalibrate")->trigger();
+        QVERIFY(!w.existingCalibDialog()); // unloaded after closing
+        const auto& shown = m_messages.shown();
+        QCOMPARE(shown.size(), std::size_t(2));
+        QCOMPARE(shown[0].title, std::string("Load Nuclide info")); // DefNucLib is "None"
+        QCOMPARE(shown[0].text, std::string("Could not load nuclide library information"));
+        QCOMPARE(shown[1].title, std::string("Energy calibration results"));
+        QCOMPARE(shown[1].text, std::string("Energy calibration successfully done.\r\n"
+                                            "Offset = 0.0000 keV\r\nSlope = 6.6166 keV/chn\r\n"
+                                            "Quadratic = 0.0000 keV/chn^2\r\nAccept this calibration?"));
+        QVERIFY(w.document().calibration.bCalibrated);
+        QCOMPARE(w.document().calibration.dSlope, 6.6166);
+        QCOMPARE(w.xUnit(), XUnit::Energy);
+        QCOMPARE(w.document().plot.sngSlope, 6.6166f);
+    }
+
+    void calibrationAnsweredNoStaysOpen() {
+        TopLevel w(dir(), &m_messages);
+        bool stayed = false;
+        m_messages.queueAnswer(MsgAnswer::Ok);
+        m_messages.queueAnswer(MsgAnswer::No);
+        QTimer::singleShot(0, [&stayed] {
+            auto* dialog = qobject_cast<calib*>(QApplication::activeModalWidget());
+            if (!dialog) return;
+            dialog->txtCh(0)->setText("400");
+            dialog->cmbEn(0)->setEditText("661.7");
+            dialog->txtCh(2)->setText("800");
+            dialog->cmbEn(2)->setEditText("1332.5");
+            dialog->cmdOk();
+            stayed = dialog->isVisible();
+            const QString result = dialog->resultText();
+            dialog->reject();
+            QCOMPARE(result, QString("-9.100 1.677 0.000"));
+        });
+        w.showCalibration();
+        QVERIFY(stayed);
+        QVERIFY(!w.document().calibration.bCalibrated);
+        QCOMPARE(w.document().calibration.dSlope, 2.5);
     }
 
     void connectStartTickStopSaveAllReopen() {

@@ -77,13 +77,15 @@ int Run(const std::vector<std::string>& args) {
                    {"lblQuadratic", result.lblQuadratic}});
     } else {
         std::printf("Offset = %s keV\nSlope = %s keV/chn\nQuadratic = %s keV/chn^2\n",
-                    DoubleToText(result.cal.dOffset).c_str(), DoubleToText(result.cal.dSlope).c_str(),
+                    DoubleToText(result.cal.dOffset).c_str(),
+                    DoubleToText(result.cal.dSlope).c_str(),
                     DoubleToText(result.cal.dQuad).c_str());
     }
     return kExitOk;
 }
 
-const RegisterCommand kRegister("calibrate", {"compute an energy calibration from points", kUsage, Run});
+const RegisterCommand kRegister("calibrate",
+                                {"compute an energy calibration from points", kUsage, Run});
 
 } // namespace
 } // namespace vexo::cli

@@ -11,13 +11,12 @@
 namespace vexo::cli {
 namespace {
 
-const char* kUsage =
-    "usage: vexo-cli convert IN OUT (--full | --plain)\n"
-    "\n"
-    "Opens IN as the program's Open command does, then writes OUT:\n"
-    "  --full   as Save All does: the full spectrum file (.spe layout)\n"
-    "  --plain  as Save does: one count per line\n"
-    "The extension of OUT does not change what is written.";
+const char* kUsage = "usage: vexo-cli convert IN OUT (--full | --plain)\n"
+                     "\n"
+                     "Opens IN as the program's Open command does, then writes OUT:\n"
+                     "  --full   as Save All does: the full spectrum file (.spe layout)\n"
+                     "  --plain  as Save does: one count per line\n"
+                     "The extension of OUT does not change what is written.";
 
 enum class Target { None, Full, Plain };
 
@@ -62,7 +61,8 @@ int Run(const std::vector<std::string>& args) {
     return kExitOk;
 }
 
-const RegisterCommand kRegister("convert", {"rewrite a spectrum file as full or plain", kUsage, Run});
+const RegisterCommand kRegister("convert",
+                                {"rewrite a spectrum file as full or plain", kUsage, Run});
 
 } // namespace
 } // namespace vexo::cli

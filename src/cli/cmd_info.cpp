@@ -72,11 +72,18 @@ nlohmann::ordered_json RecordJson(const Options& o, const OpenedSpectrum& opened
     j["szDeviceSerial"] = d.szDeviceSerial;
     j["lMCSMode"] = d.lMCSMode;
     j["sngHighVoltage"] = JsonSingle(d.sngHighVoltage);
-    for (auto [name, value] : {std::pair{"lCoarseGain", d.lCoarseGain}, {"lFineGain", d.lFineGain},
-                               {"lDigitalGain", d.lDigitalGain}, {"lThreshold", d.lThreshold},
-                               {"lLLD", d.lLLD}, {"lULD", d.lULD}, {"lRiseTime", d.lRiseTime},
-                               {"lFlatTop", d.lFlatTop}, {"lPoleZero", d.lPoleZero},
-                               {"lBLR", d.lBLR}, {"lPUR", d.lPUR}, {"lPresetMode", d.lPresetMode}})
+    for (auto [name, value] : {std::pair{"lCoarseGain", d.lCoarseGain},
+                               {"lFineGain", d.lFineGain},
+                               {"lDigitalGain", d.lDigitalGain},
+                               {"lThreshold", d.lThreshold},
+                               {"lLLD", d.lLLD},
+                               {"lULD", d.lULD},
+                               {"lRiseTime", d.lRiseTime},
+                               {"lFlatTop", d.lFlatTop},
+                               {"lPoleZero", d.lPoleZero},
+                               {"lBLR", d.lBLR},
+                               {"lPUR", d.lPUR},
+                               {"lPresetMode", d.lPresetMode}})
         j[name] = value;
     j["sngPresetTime"] = JsonSingle(d.sngPresetTime);
     j["lPresetCounts"] = d.lPresetCounts;
@@ -113,7 +120,8 @@ void PrintText(const Options& o, const OpenedSpectrum& opened) {
     std::printf("Calibration:   %s, offset %s, slope %s, quadratic %s\n",
                 d.calibration.bCalibrated ? "calibrated" : "not calibrated",
                 DoubleToText(d.calibration.dOffset).c_str(),
-                DoubleToText(d.calibration.dSlope).c_str(), DoubleToText(d.calibration.dQuad).c_str());
+                DoubleToText(d.calibration.dSlope).c_str(),
+                DoubleToText(d.calibration.dQuad).c_str());
     for (std::size_t i = 0; i < d.plot.rois.size(); ++i) {
         const PlotRoi& r = d.plot.rois[i];
         std::printf("ROI %zu:         channels %d-%d, colour %d, flag %d, name '%s'\n", i + 1,

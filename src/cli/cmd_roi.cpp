@@ -94,7 +94,8 @@ Analysis Analyse(clsROI& roi, float sTime, const SpectrumDocument& doc) {
 nlohmann::ordered_json AnalysisJson(const clsROI& r, const Analysis& a) {
     nlohmann::ordered_json j;
     j["ok"] = a.ok;
-    j["error"] = a.error.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(a.error);
+    j["error"] =
+        a.error.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(a.error);
     j["nBkgChn"] = a.nBkgChn;
     j["lROILCh"] = r.lROILCh();
     j["lROIRCh"] = r.lROIRCh();
@@ -129,7 +130,8 @@ void PrintText(std::size_t number, const clsROI& r, const Analysis& a) {
                     row.uncertainty.empty() ? "" : " +/- ", row.uncertainty.c_str());
     std::printf("  %-28s %s CPS\n", "Integral rate", FormatSingle(a.rates.sIntRate, "0.0").c_str());
     std::printf("  %-28s %s CPS\n", "Net rate", FormatSingle(a.rates.sNetRate, "0.0").c_str());
-    std::printf("  %-28s %s CPS\n", "Background rate", FormatSingle(a.rates.sBkgRate, "0.0").c_str());
+    std::printf("  %-28s %s CPS\n", "Background rate",
+                FormatSingle(a.rates.sBkgRate, "0.0").c_str());
 }
 
 std::vector<clsROI> RoisToAnalyse(Options& o, const SpectrumDocument& doc) {

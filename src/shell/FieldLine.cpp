@@ -23,14 +23,16 @@ FieldLine& FieldLine::integer(long long value) {
     char buf[24];
     char* p = buf;
     *p++ = value < 0 ? '-' : ' ';
-    unsigned long long magnitude =
-        value < 0 ? 0ULL - static_cast<unsigned long long>(value) : static_cast<unsigned long long>(value);
+    unsigned long long magnitude = value < 0 ? 0ULL - static_cast<unsigned long long>(value)
+                                             : static_cast<unsigned long long>(value);
     p = std::to_chars(p, buf + sizeof buf - 1, magnitude).ptr;
     *p++ = ' ';
     return text(std::string_view(buf, static_cast<std::size_t>(p - buf)));
 }
 
-FieldLine& FieldLine::single(float value) { return text(SingleText(value)); }
+FieldLine& FieldLine::single(float value) {
+    return text(SingleText(value));
+}
 
 FieldLine& FieldLine::singleNumber(float value) {
     std::string digits = SingleText(value);

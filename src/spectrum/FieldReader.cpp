@@ -9,9 +9,15 @@
 namespace vexo {
 namespace {
 
-bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-bool EndsField(char c) { return IsBlank(c) || IsLineEnd(c) || c == ','; }
+bool IsLineEnd(char c) {
+    return c == '\r' || c == '\n';
+}
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+bool EndsField(char c) {
+    return IsBlank(c) || IsLineEnd(c) || c == ',';
+}
 
 } // namespace
 
@@ -84,13 +90,21 @@ std::string_view FieldReader::nextFieldOrThrow() {
     return *field;
 }
 
-int32_t FieldReader::readLong() { return FieldLong(nextFieldOrThrow()); }
+int32_t FieldReader::readLong() {
+    return FieldLong(nextFieldOrThrow());
+}
 
-float FieldReader::readSingle() { return CSng(FieldNumber(nextFieldOrThrow())); }
+float FieldReader::readSingle() {
+    return CSng(FieldNumber(nextFieldOrThrow()));
+}
 
-double FieldReader::readDouble() { return FieldNumber(nextFieldOrThrow()); }
+double FieldReader::readDouble() {
+    return FieldNumber(nextFieldOrThrow());
+}
 
-double FieldNumber(std::string_view field) { return LeadingNumber(field); }
+double FieldNumber(std::string_view field) {
+    return LeadingNumber(field);
+}
 
 int32_t FieldLong(std::string_view field) {
     // Plain counts are by far the most common field: take them without the general parse.

@@ -35,8 +35,8 @@ public:
     // number the field begins with ("." decimal point, optional exponent), 0 when it does
     // not begin with one ("PHA" reads as 0). All throw NumberedError 62 ("Input past end
     // of file") when no field is left, and OverflowError when the value does not fit.
-    int32_t readLong();   // rounded to nearest, ties to even
-    float readSingle();   // narrowed to a 32-bit float
+    int32_t readLong(); // rounded to nearest, ties to even
+    float readSingle(); // narrowed to a 32-bit float
     double readDouble();
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
-// Raw bytes of a file, written in one go or read with a cap so that a huge or endless file cannot exhaust
-// memory or time.
+// Raw bytes of a file, written in one go or read with a cap so that a huge or endless file cannot
+// exhaust memory or time.
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -12,7 +12,7 @@ struct FileBytes {
     bool ok = false;        // the file was opened and read (possibly only its first part)
     bool truncated = false; // the file holds more than the cap; `bytes` is its first part
     std::string bytes;
-    std::string error;      // why it could not be read, when !ok
+    std::string error; // why it could not be read, when !ok
 };
 
 // Reads at most `maxBytes` bytes of the file. Never throws for I/O problems.

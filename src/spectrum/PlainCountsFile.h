@@ -18,8 +18,8 @@ bool SavePlainCounts(const SpectrumDocument& doc, const std::filesystem::path& p
 struct PlainReadResult {
     bool fileRead = false; // the file could be opened and read
     bool ok = false;       // read to the end or to the 16384th value without error
-    int32_t channels = 0; // values read into lCounts[0..channels-1]
-    std::string error;    // why reading failed or stopped early
+    int32_t channels = 0;  // values read into lCounts[0..channels-1]
+    std::string error;     // why reading failed or stopped early
 };
 
 // Reads numbers as fields (blanks, commas or line ends between them; a field that does

@@ -123,9 +123,9 @@ void ReadPresets(FieldReader& in, SpectrumDocument& doc) {
 void ReadHardware(FieldReader& in, SpectrumDocument& doc) {
     doc.lMCSMode = in.readLong(); // the writer's "PHA"/"MCS" reads as 0
     doc.sngHighVoltage = in.readSingle();
-    for (int32_t* field : {&doc.lCoarseGain, &doc.lFineGain, &doc.lDigitalGain, &doc.lThreshold,
-                           &doc.lLLD, &doc.lULD, &doc.lRiseTime, &doc.lFlatTop, &doc.lPoleZero,
-                           &doc.lBLR, &doc.lPUR})
+    for (int32_t* field :
+         {&doc.lCoarseGain, &doc.lFineGain, &doc.lDigitalGain, &doc.lThreshold, &doc.lLLD,
+          &doc.lULD, &doc.lRiseTime, &doc.lFlatTop, &doc.lPoleZero, &doc.lBLR, &doc.lPUR})
         *field = in.readLong();
 }
 
@@ -177,7 +177,9 @@ void ReadRois(FieldReader& in, SpectrumDocument& doc) {
     }
 }
 
-int32_t ClampChannel(int32_t ch) { return std::clamp<int32_t>(ch, 0, MAX_CHANNELS - 1); }
+int32_t ClampChannel(int32_t ch) {
+    return std::clamp<int32_t>(ch, 0, MAX_CHANNELS - 1);
+}
 
 void ReadData(FieldReader& in, SpectrumDocument& doc) {
     int32_t first = ClampChannel(in.readLong());
@@ -241,7 +243,8 @@ bool ParseFullSpectrum(SpectrumDocument& doc, std::string_view bytes, std::strin
     return true;
 }
 
-bool bReadFullSpectrum(SpectrumDocument& doc, const std::filesystem::path& path, std::string* error) {
+bool bReadFullSpectrum(SpectrumDocument& doc, const std::filesystem::path& path,
+                       std::string* error) {
     FileBytes file = ReadFileBytes(path, kMaxSpectrumFileBytes);
     if (!file.ok)
         return Fail(error, file.error);

@@ -45,7 +45,9 @@ CliRun Cli(const std::vector<std::string>& args) {
     return run;
 }
 
-std::string SmallFull() { return (test::TestDataDir() / "spectrum" / "small_full.spe").string(); }
+std::string SmallFull() {
+    return (test::TestDataDir() / "spectrum" / "small_full.spe").string();
+}
 
 TEST(CliInfo, JsonCarriesTheRecord) {
     CliRun run = Cli({"info", SmallFull(), "--json", "--counts"});
@@ -73,7 +75,8 @@ TEST(CliInfo, JsonCarriesTheRecord) {
 }
 
 TEST(CliInfo, PlainFileAndTextOutput) {
-    CliRun json = Cli({"info", (test::TestDataDir() / "spectrum" / "plain_counts.dat").string(), "--json"});
+    CliRun json =
+        Cli({"info", (test::TestDataDir() / "spectrum" / "plain_counts.dat").string(), "--json"});
     ASSERT_EQ(json.status, 0) << json.err;
     auto j = nlohmann::json::parse(json.out);
     EXPECT_EQ(j["full"], false);

@@ -19,9 +19,9 @@ TEST(FieldLine, ItemsStartEveryFourteenColumns) {
 }
 
 TEST(FieldLine, IntegerItemsMatchTheSharedIntegerItem) {
-    for (long long v : {0LL, 1LL, -1LL, 9LL, 10LL, -10LL, 57LL, 16383LL, 99999LL, 1234567890LL,
-                        2147483647LL, -2147483648LL, 9223372036854775807LL,
-                        -9223372036854775807LL}) {
+    for (long long v :
+         {0LL, 1LL, -1LL, 9LL, 10LL, -10LL, 57LL, 16383LL, 99999LL, 1234567890LL, 2147483647LL,
+          -2147483648LL, 9223372036854775807LL, -9223372036854775807LL}) {
         FieldLine line;
         line.integer(v);
         EXPECT_EQ(line.str(), IntegerItem(v)) << v;

@@ -16,7 +16,8 @@ std::vector<std::string> AllFields(std::string_view text) {
 
 TEST(FieldReader, SeparatorsAreBlanksCommasAndLineEnds) {
     using V = std::vector<std::string>;
-    EXPECT_EQ(AllFields(" 1  2\t3\r\n4,5 , 6\n\n7\r8"), (V{"1", "2", "3", "4", "5", "6", "7", "8"}));
+    EXPECT_EQ(AllFields(" 1  2\t3\r\n4,5 , 6\n\n7\r8"),
+              (V{"1", "2", "3", "4", "5", "6", "7", "8"}));
     EXPECT_EQ(AllFields("1,,2"), (V{"1", "", "2"}));
     EXPECT_EQ(AllFields(",3"), (V{"", "3"}));
     EXPECT_EQ(AllFields("\"a b\",7 \"x\"y 9"), (V{"a b", "7", "x", "9"}));

@@ -130,22 +130,22 @@ TEST_P(SpectrumReaderDate, TakesFieldsByPosition) {
 
 INSTANTIATE_TEST_SUITE_P(
     Lines, SpectrumReaderDate,
-    ::testing::Values(
-        DateCase{"03-07-2024  14:05:09", "2024-03-07T14:05:09"},
-        DateCase{"04/26/2017 11:05:11", "2017-04-26T11:05:11"},
-        DateCase{"   12-31-1999    23:59:59  ", "1999-12-31T23:59:59"},
-        // No leading zeros: month "3-" = 3, day "-2" = -2, year "24" (two digits, so
-        // 2024); day -2 of March is three days before March 1st.
-        DateCase{"3-7-2024 14:05:09", "2024-02-27T14:05:09"},
-        DateCase{"01-02-95 10:00:00", "1995-01-02T10:00:00"}, // two-digit years
-        DateCase{"12-31-29 10:00:00", "2029-12-31T10:00:00"},
-        DateCase{"ab-cd-efgh xx:yy:zz", "1999-11-30T00:00:00"}, // all 0: day 0 of month 0 of 2000
-        DateCase{"03-07-2024", nullptr}, // one part: unchanged
-        DateCase{"", nullptr}));
+    ::testing::Values(DateCase{"03-07-2024  14:05:09", "2024-03-07T14:05:09"},
+                      DateCase{"04/26/2017 11:05:11", "2017-04-26T11:05:11"},
+                      DateCase{"   12-31-1999    23:59:59  ", "1999-12-31T23:59:59"},
+                      // No leading zeros: month "3-" = 3, day "-2" = -2, year "24" (two digits, so
+                      // 2024); day -2 of March is three days before March 1st.
+                      DateCase{"3-7-2024 14:05:09", "2024-02-27T14:05:09"},
+                      DateCase{"01-02-95 10:00:00", "1995-01-02T10:00:00"}, // two-digit years
+                      DateCase{"12-31-29 10:00:00", "2029-12-31T10:00:00"},
+                      DateCase{"ab-cd-efgh xx:yy:zz",
+                               "1999-11-30T00:00:00"}, // all 0: day 0 of month 0 of 2000
+                      DateCase{"03-07-2024", nullptr}, // one part: unchanged
+                      DateCase{"", nullptr}));
 
 TEST(SpectrumReader, DateBeyondTheCalendarFailsTheRead) {
-    auto doc = Parse("$SPEC_ID:\r\nx\r\n$DATE_MEA:\r\n01-01--999 00:00:00\r\n$DATA:\r\n0 0\r\n5\r\n",
-                     false);
+    auto doc = Parse(
+        "$SPEC_ID:\r\nx\r\n$DATE_MEA:\r\n01-01--999 00:00:00\r\n$DATA:\r\n0 0\r\n5\r\n", false);
     EXPECT_EQ(doc->lChannels, 1024); // reading stopped at the date
 }
 
@@ -163,9 +163,9 @@ TEST(SpectrumReader, RoiLineWithTwoNumbersTakesTheDefaults) {
 }
 
 TEST(SpectrumReader, RoiSectionEndsAtTheNextTagWhichIsStillRead) {
-    auto doc = Parse(
-        "$SPEC_ID:\r\nx\r\n$ROI:\r\n2\r\n\r\n 5   9   16711680   -1   Ba  133   peak \r\n"
-        "$DATA:\r\n0 1\r\n3 4\r\n");
+    auto doc =
+        Parse("$SPEC_ID:\r\nx\r\n$ROI:\r\n2\r\n\r\n 5   9   16711680   -1   Ba  133   peak \r\n"
+              "$DATA:\r\n0 1\r\n3 4\r\n");
     ASSERT_EQ(doc->plot.rois.size(), 1u); // "2" and the empty line have fewer than two parts
     EXPECT_TRUE(doc->plot.rois[0].bFlag);
     EXPECT_EQ(doc->plot.rois[0].szName, "Ba 133 peak");
@@ -230,7 +230,8 @@ TEST(SpectrumReader, NumbersAreFieldsAcrossLinesAndCommas) {
 
 TEST(SpectrumReader, BrokenFilesFailButKeepWhatWasRead) {
     // Counts run out: the range and the counts before the end stay.
-    auto doc = Parse("$SPEC_ID:\r\nshort\r\n$MEAS_TIM:\r\n7 8\r\n$DATA:\r\n0 9\r\n1 2 3\r\n", false);
+    auto doc =
+        Parse("$SPEC_ID:\r\nshort\r\n$MEAS_TIM:\r\n7 8\r\n$DATA:\r\n0 9\r\n1 2 3\r\n", false);
     EXPECT_EQ(doc->szSpectrumID, "short");
     EXPECT_EQ(doc->sngLiveTime, 7.0f);
     EXPECT_EQ(doc->lChannels, 10);

@@ -23,17 +23,23 @@ struct RealFile {
     int rois;
 };
 
-std::filesystem::path SpectraDir() { return test::SharedDir() / "testdata" / "spectra"; }
+std::filesystem::path SpectraDir() {
+    return test::SharedDir() / "testdata" / "spectra";
+}
 
 const RealFile kFiles[] = {
     {"becquerel_1110C_NAA_cave_background_May2017.spe", true, 16384, 437817, 437903,
      "2017-04-26T11:05:11", 1052900, 506, 1507, 4},
-    {"becquerel_nai_detector.spe", true, 1001, 3600, 3600, "2018-03-26T00:00:00", 398163, 15, 536, 0},
+    {"becquerel_nai_detector.spe", true, 1001, 3600, 3600, "2018-03-26T00:00:00", 398163, 15, 536,
+     0},
     {"becquerel_SGM102432_D3S_CsI_Ba133_Cs137.spe", true, 4094, 300, 300, "2018-07-11T00:00:00",
      166239, 4093, 1, 0},
-    {"interspec_Co60LowResNoCalib.spe", true, 2048, 96, 97, "2013-12-12T09:05:53", 97236, 20, 174, 2},
-    {"interspec_Cs137LowResNoCalib.spe", true, 2048, 28, 29, "2013-12-12T08:55:24", 29134, 20, 91, 2},
-    {"pyne_gv_format_spect.spe", true, 1024, 199, 209, "2014-08-01T11:43:41", 256038, 479, 15055, 0},
+    {"interspec_Co60LowResNoCalib.spe", true, 2048, 96, 97, "2013-12-12T09:05:53", 97236, 20, 174,
+     2},
+    {"interspec_Cs137LowResNoCalib.spe", true, 2048, 28, 29, "2013-12-12T08:55:24", 29134, 20, 91,
+     2},
+    {"pyne_gv_format_spect.spe", true, 1024, 199, 209, "2014-08-01T11:43:41", 256038, 479, 15055,
+     0},
     {"tzerk_digibase_calibration_spectrum.spe", true, 1024, 10000, 10014, "2017-04-26T12:04:52",
      3670244, 30, 62677, 2},
     // No "$SPEC_ID:" first line: read as plain counts, every field one value (text that is
@@ -57,9 +63,9 @@ TEST_P(RealSpectrumFile, Opens) {
     EXPECT_TRUE(result.error.empty()) << result.error;
     EXPECT_EQ(result.full, f.full) << result.fullError;
     EXPECT_EQ(doc->lChannels, f.channels);
-    EXPECT_EQ(std::accumulate(doc->lCounts.begin(), doc->lCounts.begin() + doc->lChannels,
-                              int64_t{0}),
-              f.sum);
+    EXPECT_EQ(
+        std::accumulate(doc->lCounts.begin(), doc->lCounts.begin() + doc->lChannels, int64_t{0}),
+        f.sum);
     EXPECT_EQ(doc->lCounts[f.index], f.count);
     EXPECT_EQ(doc->rois.nGetROINo(), f.rois);
     EXPECT_EQ(doc->szFileName, f.name);

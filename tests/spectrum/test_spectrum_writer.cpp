@@ -5,10 +5,10 @@
 #include "SpectrumTestDocs.h"
 #include "TestSupport.h"
 #include "shell/Messages.h"
+#include "shell/TextFile.h"
 #include "spectrum/PlainCountsFile.h"
 #include "spectrum/SpectrumCommands.h"
 #include "spectrum/SpectrumFile.h"
-#include "shell/TextFile.h"
 
 namespace vexo {
 namespace {
@@ -193,7 +193,8 @@ TEST(SpectrumDialogs, FiltersJoinTheirEntriesInOrder) {
     EXPECT_EQ(kOpenSpectrumTitle, "Open Spectrum...");
     EXPECT_EQ(kSaveSpectrumDefaultExt, "dat");
     EXPECT_EQ(kSaveAllSpectrumFilter, kOpenSpectrumFilter);
-    EXPECT_EQ(kSaveSpectrumFilter, "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*");
+    EXPECT_EQ(kSaveSpectrumFilter,
+              "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*");
 }
 
 } // namespace

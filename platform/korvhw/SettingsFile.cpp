@@ -1,5 +1,6 @@
 #include "SettingsFile.h"
 
+#include <cctype>
 #include <cstdio>
 #include <fstream>
 #include <sstream>

@@ -1,12 +1,17 @@
 #include "SimConfig.h"
 
 #include <cstdlib>
-#include <dlfcn.h>
 #include <fstream>
 #include <sstream>
 
 #include "IniFile.h"
 #include "SourceLibrary.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
 
 namespace korvsim {
 
@@ -187,11 +192,22 @@ void ReadSimulatorSection(const IniFile& ini, SimConfig& c) {
 }
 
 std::filesystem::path LibraryFolder() {
+#if defined(_WIN32)
+    HMODULE module = nullptr;
+    char name[MAX_PATH] = {};
+    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                               GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           reinterpret_cast<LPCSTR>(&LocateConfig), &module) &&
+        GetModuleFileNameA(module, name, MAX_PATH) > 0)
+        return std::filesystem::path(name).parent_path();
+    return {};
+#else
     Dl_info info{};
     // Any symbol of this library will do; dladdr reports the file it came from.
     if (dladdr(reinterpret_cast<void*>(&LocateConfig), &info) != 0 && info.dli_fname)
         return std::filesystem::path(info.dli_fname).parent_path();
     return {};
+#endif
 }
 
 } // namespace
@@ -213,7 +229,9 @@ SimConfig ParseConfig(const std::string& text) {
     for (const IniSection& section : ini.sections())
         if (section.name.size() > 6 && EqualsNoCase(section.name.substr(0, 6), "Device"))
             devices.push_back(ReadDevice(ini, section.name, devices.size() + 1, c.warnings));
-    if (!devices.empty())
+    // BuiltInDevices=0 with no device section gives a library that finds nothing.
+    const bool builtIn = ReadInteger(ini, "Simulator", "BuiltInDevices", 1, c.warnings) != 0;
+    if (!devices.empty() || !builtIn)
         c.devices = std::move(devices);
     return c;
 }

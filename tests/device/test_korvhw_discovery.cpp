@@ -69,6 +69,15 @@ TEST_F(KorvhwDiscovery, RowsAppearOnlyOnceFound) {
     EXPECT_EQ(Info(lib(), 1).path, "B");
 }
 
+TEST_F(KorvhwDiscovery, ALibraryWithoutDevicesFindsNothing) {
+    UseConfig("", "BuiltInDevices=0\r\n");
+    EXPECT_EQ(lib().FindDevicesEx(0, 50, 1), 0);
+    EXPECT_EQ(lib().FindDevicesEx(0, 50, 0), 0);
+    EXPECT_EQ(Info(lib(), 0).status, -6);
+    int32_t handle = 0;
+    EXPECT_EQ(lib().OpenDevice("USB:KORV-10-001", &handle), -14);
+}
+
 TEST_F(KorvhwDiscovery, TextsAreCutToTheCapacity) {
     UseConfig(DeviceSection(1, "10000001", "KORV-10-LONGPATH"));
     lib().FindDevicesEx(0, 50, 1);

@@ -25,21 +25,21 @@ bool ReadOnly(int32_t id) {
 
 } // namespace
 
-Device::Device(DeviceSpec spec, uint64_t seed, std::filesystem::path settingsDir)
-    : m_spec(std::move(spec)),
-      m_traits(TraitsFor(m_spec.serial, m_spec.firmware)),
+Device::Device(DeviceSetup setup, uint64_t seed, std::filesystem::path settingsDir)
+    : m_setup(std::move(setup)),
+      m_traits(TraitsFor(m_setup.serial, m_setup.firmware)),
       m_settingsDir(std::move(settingsDir)),
       m_seed(seed) {
-    for (const SourceSpec& source : m_spec.sources)
+    for (const SourceSetup& source : m_setup.sources)
         if (const SourceNuclide* nuclide = FindSource(source.nuclide))
             m_sources.push_back({nuclide, source.rateCps});
     powerUp();
 }
 
 void Device::powerUp() {
-    const DeviceSettings defaults = FactoryDefaults(m_spec, m_traits);
+    const DeviceSettings defaults = FactoryDefaults(m_setup, m_traits);
     DeviceSettings stored = defaults;
-    m_settings = LoadSettingsFile(m_settingsDir, m_spec.serial, stored)
+    m_settings = LoadSettingsFile(m_settingsDir, m_setup.serial, stored)
                      ? Sanitised(stored, defaults, m_traits, maxHV())
                      : defaults;
 }
@@ -47,7 +47,7 @@ void Device::powerUp() {
 int32_t Device::open(double now) {
     if (m_open)
         return kConnectionFailed; // one connection at a time, as with the real link
-    if (m_openAttempts++ < m_spec.faults.openFailures)
+    if (m_openAttempts++ < m_setup.faults.openFailures)
         return kConnectionFailed;
     m_open = true;
     m_lost = false;
@@ -69,7 +69,7 @@ void Device::close() {
 }
 
 bool Device::lost(double now) {
-    const double after = m_spec.faults.disconnectAfterSeconds;
+    const double after = m_setup.faults.disconnectAfterSeconds;
     if (m_open && !m_lost && after >= 0.0 && now - m_openedAt >= after)
         m_lost = true;
     return m_lost;
@@ -80,7 +80,7 @@ int32_t Device::checkId(int32_t id) const {
         return kInvalidParameter;
     if (!m_traits.supports(id))
         return kNotSupported;
-    for (const ParamFault& fault : m_spec.faults.paramFaults)
+    for (const ParamFault& fault : m_setup.faults.paramFaults)
         if (fault.id == id)
             return fault.code;
     return kOk;
@@ -88,17 +88,17 @@ int32_t Device::checkId(int32_t id) const {
 
 int32_t Device::liveValue(int32_t id, ParamValue& out) const {
     switch (id) {
-    case 0: out.text = m_spec.name; return kOk;
-    case 1: out.text = m_spec.serial; return kOk;
-    case 2: out.text = m_spec.firmware; return kOk;
-    case 3: out.text = m_spec.firmwareDate; return kOk;
-    case 4: out.text = m_spec.productionDate; return kOk;
+    case 0: out.text = m_setup.name; return kOk;
+    case 1: out.text = m_setup.serial; return kOk;
+    case 2: out.text = m_setup.firmware; return kOk;
+    case 3: out.text = m_setup.firmwareDate; return kOk;
+    case 4: out.text = m_setup.productionDate; return kOk;
     case 27: out.integer = m_acq.mcsChannel(); return kOk;
     case 35:
         out.integer = static_cast<int32_t>(std::min<uint64_t>(m_acq.inputCounts(), INT32_MAX));
         return kOk;
-    case 42: out.integer = m_spec.clockHz; return kOk;
-    case 44: out.integer = static_cast<int32_t>(std::lround(m_spec.maxHV * 10.0)); return kOk;
+    case 42: out.integer = m_setup.clockHz; return kOk;
+    case 44: out.integer = static_cast<int32_t>(std::lround(m_setup.maxHV * 10.0)); return kOk;
     default: return kNotSupported;
     }
 }
@@ -137,7 +137,7 @@ void Device::afterWrite(int32_t id, double now, const DeviceSettings& before) {
     // Switching on, or moving the voltage while on, starts a new ramp.
     if ((id == 22 && isOn && !wasOn) ||
         (id == 21 && isOn && std::fabs(m_settings.highVoltage - before.highVoltage) > 0.5f))
-        m_hvSettledAt = now + std::max(0.0, m_spec.hvRampSeconds);
+        m_hvSettledAt = now + std::max(0.0, m_setup.hvRampSeconds);
     if ((id == 6 || id == 26) && m_settings.channels != before.channels)
         m_acq.clearMemory(); // memory is re-partitioned, as the hardware does
     if (id == 5 && m_settings.acqMode != before.acqMode && m_acq.running())
@@ -147,13 +147,13 @@ void Device::afterWrite(int32_t id, double now, const DeviceSettings& before) {
 int32_t Device::restoreDefaults(double now) {
     advance(now);
     const int32_t hvOn = m_settings.hvOn;
-    m_settings = FactoryDefaults(m_spec, m_traits);
+    m_settings = FactoryDefaults(m_setup, m_traits);
     m_settings.hvOn = hvOn; // restoring settings never switches the HV by itself
     return kOk;
 }
 
 int32_t Device::saveSettings() {
-    const std::string error = SaveSettingsFile(m_settingsDir, m_spec.serial, m_settings);
+    const std::string error = SaveSettingsFile(m_settingsDir, m_setup.serial, m_settings);
     if (error.empty())
         return kOk;
     std::fprintf(stderr, "KORVHW: SaveSettings: %s\n", error.c_str());

@@ -20,9 +20,9 @@ namespace korvsim {
 class Device {
 public:
     // seed: this device's physics seed; settingsDir: where SaveSettings writes.
-    Device(DeviceSpec spec, uint64_t seed, std::filesystem::path settingsDir);
+    Device(DeviceSetup setup, uint64_t seed, std::filesystem::path settingsDir);
 
-    const DeviceSpec& spec() const { return m_spec; }
+    const DeviceSetup& setup() const { return m_setup; }
     const ModelTraits& traits() const { return m_traits; }
 
     // Connection. open() applies the open-failure fault and restarts the
@@ -78,7 +78,7 @@ private:
     void afterWrite(int32_t id, double now, const DeviceSettings& before);
     void powerUp();
 
-    DeviceSpec m_spec;
+    DeviceSetup m_setup;
     ModelTraits m_traits;
     std::filesystem::path m_settingsDir;
     uint64_t m_seed;

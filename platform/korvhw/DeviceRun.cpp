@@ -23,35 +23,35 @@ constexpr double kFullScaleThresholdUnits = 16384.0;
 
 } // namespace
 
-double Device::clockHz() const { return m_spec.clockHz > 0 ? m_spec.clockHz : kDefaultClockHz; }
+double Device::clockHz() const { return m_setup.clockHz > 0 ? m_setup.clockHz : kDefaultClockHz; }
 
-double Device::maxHV() const { return m_spec.maxHV > 0.0 ? m_spec.maxHV : kDefaultMaxHV; }
+double Device::maxHV() const { return m_setup.maxHV > 0.0 ? m_setup.maxHV : kDefaultMaxHV; }
 
 bool Device::inhibited() const {
     // Models with id 51 honour the inhibit input only when it is enabled there.
     const bool enabled = !m_traits.supports(51) || (m_settings.hvInhibit & 1) != 0;
-    return m_spec.hvInhibitInput && enabled;
+    return m_setup.hvInhibitInput && enabled;
 }
 
 bool Device::biased() const {
     if (!(m_settings.hvOn & 1) || inhibited() || !(m_settings.highVoltage > 0.0f))
         return false;
-    const double minimum = MakeDetectorModel(m_spec.detector).minimumBiasShare() * m_spec.nominalHV;
+    const double minimum = MakeDetectorModel(m_setup.detector).minimumBiasShare() * m_setup.nominalHV;
     return m_settings.highVoltage >= minimum;
 }
 
 bool Device::pulsesPresent() const {
     // Pulses of the wrong sign never cross the trigger threshold.
-    const bool polarityFits = (m_settings.polarity != 0) == (m_spec.detectorPolarity != 0);
+    const bool polarityFits = (m_settings.polarity != 0) == (m_setup.detectorPolarity != 0);
     return polarityFits && biased();
 }
 
 double Device::channelsPerKeV() const {
-    const DetectorModel det = MakeDetectorModel(m_spec.detector);
+    const DetectorModel det = MakeDetectorModel(m_setup.detector);
     const double fine = 0.5 + static_cast<double>(m_settings.fineGain) / m_traits.fineGainMax;
     double gain = std::ldexp(1.0, m_settings.coarseGain) * fine * std::ldexp(1.0, m_settings.digitalGain);
-    if (det.hvGainExponent() > 0.0 && m_spec.nominalHV > 0.0)
-        gain *= std::pow(m_settings.highVoltage / m_spec.nominalHV, det.hvGainExponent());
+    if (det.hvGainExponent() > 0.0 && m_setup.nominalHV > 0.0)
+        gain *= std::pow(m_settings.highVoltage / m_setup.nominalHV, det.hvGainExponent());
     return m_settings.channels * gain / kFullScaleKeVAtUnitGain;
 }
 
@@ -60,9 +60,9 @@ const SpectralShape& Device::shape() {
                        m_settings.threshold * m_settings.channels / kFullScaleThresholdUnits};
     if (!(key == m_shapeKey)) {
         ShapeRequest request;
-        request.detector = m_spec.detector;
+        request.detector = m_setup.detector;
         request.sources = m_sources;
-        request.noiseCps = m_spec.noiseCps;
+        request.noiseCps = m_setup.noiseCps;
         request.channels = key.channels;
         request.channelsPerKeV = key.channelsPerKeV;
         request.thresholdChannel = key.thresholdChannel;
@@ -133,7 +133,7 @@ int32_t Device::start(double now) {
         return kOk;
     m_acq.start(now);
     const bool externalStart = !m_traits.legacyPreset && (m_settings.presetMode & 8) != 0;
-    m_gateOpensAt = externalStart ? now + std::max(0.0, m_spec.externalGateSeconds) : now;
+    m_gateOpensAt = externalStart ? now + std::max(0.0, m_setup.externalGateSeconds) : now;
     return kOk;
 }
 
@@ -168,8 +168,8 @@ int32_t Device::status(double now, int32_t& word) {
 int32_t Device::readSpectrum(double now, int32_t* counts, int32_t& channels, float& realTime,
                              float& liveTime) {
     advance(now);
-    if (m_spec.faults.readSpectrumFailShare > 0.0 &&
-        m_faults.uniform() < m_spec.faults.readSpectrumFailShare)
+    if (m_setup.faults.readSpectrumFailShare > 0.0 &&
+        m_faults.uniform() < m_setup.faults.readSpectrumFailShare)
         return kReceiveFailed;
     channels = m_settings.channels;
     std::memcpy(counts, m_acq.counts().data(), sizeof(int32_t) * static_cast<size_t>(channels));
@@ -203,8 +203,8 @@ int32_t Device::readScope(double now, int16_t* samples) {
     request.flatTicks = m_settings.flatTop;
     request.poleZero = m_settings.poleZero;
     request.clockHz = clockHz();
-    request.polarityMatches = (m_settings.polarity != 0) == (m_spec.detectorPolarity != 0);
-    request.detectorPolarity = m_spec.detectorPolarity;
+    request.polarityMatches = (m_settings.polarity != 0) == (m_setup.detectorPolarity != 0);
+    request.detectorPolarity = m_setup.detectorPolarity;
     request.pulses = biased() && now >= m_hvSettledAt;
     request.shape = &shape();
     request.rateCps = request.pulses ? shape().triggerRateCps : 0.0;

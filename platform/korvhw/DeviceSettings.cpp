@@ -85,15 +85,15 @@ int32_t CheckInteger(const ModelTraits& traits, int32_t id, int32_t v) {
 
 } // namespace
 
-DeviceSettings FactoryDefaults(const DeviceSpec& spec, const ModelTraits& traits) {
+DeviceSettings FactoryDefaults(const DeviceSetup& setup, const ModelTraits& traits) {
     DeviceSettings s;
-    const double clock = spec.clockHz > 0 ? spec.clockHz : 25.0e6;
+    const double clock = setup.clockHz > 0 ? setup.clockHz : 25.0e6;
     s.riseTime = static_cast<int32_t>(std::lround(clock * 1.0e-6));
     s.flatTop = static_cast<int32_t>(std::lround(clock * 0.5e-6));
     s.fineGain = (traits.fineGainMax + 1) / 2;
-    s.polarity = spec.detectorPolarity;
-    s.highVoltage = static_cast<float>(spec.nominalHV);
-    s.hvOn = spec.hvOnAtPowerUp ? 1 : 0;
+    s.polarity = setup.detectorPolarity;
+    s.highVoltage = static_cast<float>(setup.nominalHV);
+    s.hvOn = setup.hvOnAtPowerUp ? 1 : 0;
     return s;
 }
 

@@ -46,7 +46,7 @@ struct DeviceSettings {
 // Power-up settings of a device: gains giving about 2.5 keV per channel at 1024
 // channels, shaping of 1 us rise and 0.5 us flat top at the device's clock, the
 // detector's polarity and nominal HV.
-DeviceSettings FactoryDefaults(const DeviceSpec& spec, const ModelTraits& traits);
+DeviceSettings FactoryDefaults(const DeviceSetup& setup, const ModelTraits& traits);
 
 // One parameter value in the form the wire carries it.
 struct ParamValue {

@@ -17,8 +17,8 @@ namespace korvsim {
 
 namespace {
 
-DeviceSpec DefaultDevice10() {
-    DeviceSpec d;
+DeviceSetup DefaultDevice10() {
+    DeviceSetup d;
     d.path = "KORV-10-001";
     d.name = "KORV MCA-10";
     d.serial = "10230417";
@@ -29,8 +29,8 @@ DeviceSpec DefaultDevice10() {
     return d;
 }
 
-DeviceSpec DefaultDevice08() {
-    DeviceSpec d;
+DeviceSetup DefaultDevice08() {
+    DeviceSetup d;
     d.path = "192.168.0.42";
     d.name = "KORV MCA-8";
     d.serial = "08190233";
@@ -48,8 +48,8 @@ DeviceSpec DefaultDevice08() {
     return d;
 }
 
-DeviceSpec DefaultDevice06() {
-    DeviceSpec d;
+DeviceSetup DefaultDevice06() {
+    DeviceSetup d;
     d.path = "KORV-06-003";
     d.name = "KORV MCA-6";
     d.serial = "06110108";
@@ -94,9 +94,9 @@ std::string ReadText(const IniFile& ini, const std::string& section, const char*
 }
 
 // "Cs-137:3000, K-40:60" -> sources; a missing rate means 1000 counts/s.
-std::vector<SourceSpec> ReadSources(const std::string& text, const std::string& section,
+std::vector<SourceSetup> ReadSources(const std::string& text, const std::string& section,
                                     std::vector<std::string>& warnings) {
-    std::vector<SourceSpec> sources;
+    std::vector<SourceSetup> sources;
     for (const std::string& item : SplitList(text, ',')) {
         const size_t colon = item.find(':');
         const std::string name = Trim(item.substr(0, colon));
@@ -140,9 +140,9 @@ FaultPlan ReadFaults(const IniFile& ini, const std::string& s, std::vector<std::
     return f;
 }
 
-DeviceSpec ReadDevice(const IniFile& ini, const std::string& s, size_t index,
+DeviceSetup ReadDevice(const IniFile& ini, const std::string& s, size_t index,
                       std::vector<std::string>& w) {
-    DeviceSpec d = DefaultDevice10();
+    DeviceSetup d = DefaultDevice10();
     d.serial = ReadText(ini, s, "Serial", "10" + std::to_string(100000 + index));
     d.path = ReadText(ini, s, "Path", "KORV-" + d.serial);
     d.name = ReadText(ini, s, "Name", "KORV MCA-" + d.serial.substr(0, 2));
@@ -225,7 +225,7 @@ SimConfig ParseConfig(const std::string& text) {
     for (const std::string& problem : ini.problems())
         c.warnings.push_back("unreadable " + problem);
     ReadSimulatorSection(ini, c);
-    std::vector<DeviceSpec> devices;
+    std::vector<DeviceSetup> devices;
     for (const IniSection& section : ini.sections())
         if (section.name.size() > 6 && EqualsNoCase(section.name.substr(0, 6), "Device"))
             devices.push_back(ReadDevice(ini, section.name, devices.size() + 1, c.warnings));

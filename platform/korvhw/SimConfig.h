@@ -12,7 +12,7 @@
 
 namespace korvsim {
 
-struct SourceSpec {
+struct SourceSetup {
     std::string nuclide; // canonical name from the source library
     double rateCps;      // interactions per second in the detector
 };
@@ -29,7 +29,7 @@ struct FaultPlan {
     double readSpectrumFailShare = 0.0;  // 0..1, drawn from a seeded generator
 };
 
-struct DeviceSpec {
+struct DeviceSetup {
     std::string path;   // bare library path, without the "USB:"-style prefix
     std::string name;
     std::string serial; // first two characters are the model code
@@ -42,7 +42,7 @@ struct DeviceSpec {
     double nominalHV = 800.0;     // volts at which the default gain is reached
     double maxHV = 1500.0;        // volts; answered in tenths by id 44; 0 answers 0 (then 1500)
     int32_t clockHz = 80000000;   // answered by id 42; 0 answers 0 (the filter runs at 25 MHz)
-    std::vector<SourceSpec> sources;
+    std::vector<SourceSetup> sources;
     double noiseCps = 200.0;
     bool hvInhibitInput = false;   // the external inhibit input is asserted
     double hvRampSeconds = 3.0;
@@ -58,7 +58,7 @@ struct SimConfig {
     double speed = 1.0;
     int32_t discoveryPerCall = 1; // devices found per FindDevicesEx call
     std::filesystem::path settingsDir;
-    std::vector<DeviceSpec> devices;
+    std::vector<DeviceSetup> devices;
     std::vector<std::string> warnings; // problems met while reading the file
 };
 

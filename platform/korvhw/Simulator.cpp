@@ -79,8 +79,8 @@ int32_t Simulator::deviceInfo(int32_t index, DeviceInfoRow& row) {
     std::lock_guard<std::mutex> lock(m_mutex);
     if (index < 0 || index >= m_found || index >= static_cast<int32_t>(m_devices.size()))
         return kInvalidArgument;
-    const DeviceSpec& spec = m_devices[static_cast<size_t>(index)]->spec();
-    row = {spec.path, spec.name, spec.serial, spec.type};
+    const DeviceSetup& setup = m_devices[static_cast<size_t>(index)]->setup();
+    row = {setup.path, setup.name, setup.serial, setup.type};
     return kOk;
 }
 
@@ -92,9 +92,9 @@ int32_t Simulator::open(const char* path, int32_t* handle) {
     std::string bare = Trim(path);
     const int32_t prefixType = SplitPrefix(bare);
     for (const auto& device : m_devices) {
-        if (device->spec().path != bare)
+        if (device->setup().path != bare)
             continue;
-        if (prefixType != 0 && prefixType != device->spec().type)
+        if (prefixType != 0 && prefixType != device->setup().type)
             return kInvalidDevice; // e.g. "HID:" before the path of a network device
         const int32_t result = device->open(m_clock.now());
         if (result != kOk)

@@ -30,6 +30,9 @@ Device::Device(DeviceSetup setup, uint64_t seed, std::filesystem::path settingsD
       m_traits(TraitsFor(m_setup.serial, m_setup.firmware)),
       m_settingsDir(std::move(settingsDir)),
       m_seed(seed) {
+    for (int32_t id : m_setup.missingIds)
+        if (id >= 0 && id <= kHighestParamId)
+            m_traits.answers.reset(static_cast<size_t>(id));
     for (const SourceSetup& source : m_setup.sources)
         if (const SourceNuclide* nuclide = FindSource(source.nuclide))
             m_sources.push_back({nuclide, source.rateCps});

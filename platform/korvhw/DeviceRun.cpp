@@ -112,8 +112,11 @@ AcquisitionConditions Device::conditions() {
     }
     c.presetSeconds = s.presetTime;
     c.presetCounts = s.presetCounts;
-    c.presetFirst = m_traits.supports(31) ? s.presetFirst : 0;
-    c.presetLast = m_traits.supports(32) ? s.presetLast : s.channels - 1;
+    // Without its own window registers the counts preset counts between the
+    // discriminators.
+    const bool ownWindow = m_traits.supports(31) && m_traits.supports(32);
+    c.presetFirst = ownWindow ? s.presetFirst : s.lld;
+    c.presetLast = ownWindow ? s.presetLast : s.uld;
     return c;
 }
 

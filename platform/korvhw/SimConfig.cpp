@@ -168,6 +168,11 @@ DeviceSetup ReadDevice(const IniFile& ini, const std::string& s, size_t index,
     d.hvOnAtPowerUp = ReadInteger(ini, s, "HVOnAtPowerUp", 0, w) != 0;
     d.externalGateSeconds = ReadDouble(ini, s, "ExternalGateSeconds", 1.0, w);
     d.faults = ReadFaults(ini, s, w);
+    for (const std::string& item : SplitList(ReadText(ini, s, "MissingIds", ""), ','))
+        if (auto id = ParseInteger(item))
+            d.missingIds.push_back(static_cast<int32_t>(*id));
+        else
+            w.push_back("[" + s + "] MissingIds item '" + item + "' skipped");
     return d;
 }
 

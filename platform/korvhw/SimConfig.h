@@ -48,6 +48,7 @@ struct DeviceSetup {
     double hvRampSeconds = 3.0;
     bool hvOnAtPowerUp = false;
     double externalGateSeconds = 1.0; // wait for the external start input (preset bit 8)
+    std::vector<int32_t> missingIds;  // ids this unit does not answer beyond its model's
     FaultPlan faults;
 };
 

@@ -81,6 +81,20 @@ TEST_F(KorvhwAcquisition, CountsPresetStopsOnTheWindowSum) {
     EXPECT_GT(r.total(), 20000) << "counts outside the window do not count";
 }
 
+TEST_F(KorvhwAcquisition, WithoutWindowRegistersTheCountsPresetUsesTheDiscriminators) {
+    const int32_t h = OpenCs(20000, "MissingIds=32");
+    int32_t value = 0;
+    EXPECT_EQ(GetInt(h, 32, value), -7);
+    EXPECT_EQ(GetInt(h, 31, value), 0);
+    ASSERT_EQ(SetInt(h, 30, 4), 0);
+    ASSERT_EQ(SetInt(h, 28, 10000), 0);
+    ASSERT_EQ(SetInt(h, 7, 240), 0);
+    ASSERT_EQ(SetInt(h, 8, 290), 0);
+    ASSERT_EQ(lib().StartAcquisition(h), 0);
+    EXPECT_GT(PollUntilStopped(h, 100), 1);
+    EXPECT_EQ(Read(h).sum(240, 290), 10000);
+}
+
 TEST_F(KorvhwAcquisition, WithoutPresetItAcquiresUntilStopped) {
     const int32_t h = OpenCs(1000);
     ASSERT_EQ(SetInt(h, 30, 0), 0);

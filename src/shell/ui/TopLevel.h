@@ -77,6 +77,7 @@ public:
     void clearAcquisition();
     void showDeviceInfo();
     void showCalibration(); // Edit > Calibrate: the dialog, modal
+    void showPreferences(); // Edit > Preferences: saves the settings file on OK
 
     SpectrumDocument& document() { return m_doc; }
     AppSettings& settings() { return m_settings; }

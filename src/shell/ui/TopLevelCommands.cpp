@@ -16,6 +16,7 @@
 #include "shell/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 #include "spectrum/ui/calib.h"
+#include "shell/ui/frmPref.h"
 
 namespace vexo {
 
@@ -203,6 +204,17 @@ void TopLevel::showCalibration() {
     calib* dialog = calibDialog();
     dialog->exec();
     delete dialog; // a closed dialog is unloaded; the next one starts afresh
+}
+
+void TopLevel::showPreferences() {
+    frmPref dialog(m_settings, m_location, m_appDir, *m_messages, this);
+    if (dialog.exec() != QDialog::Accepted) return;
+    if (!SaveSettings(m_settings, false, m_appDir))
+        m_messages->critical("Could not write the settings file " + SettingsFilePath(m_appDir).string());
+    for (SpectrumPlot* p : {m_plot41, m_plot42}) p->setAppearance(AppearanceFrom(m_settings));
+    setYScale(m_settings.SpctScaleMode);
+    setGraphType(m_settings.SpctGraphType);
+    RefreshMainWindow(16); // the processing button follows its setting
 }
 
 void TopLevel::mnuHelpAbout() {

@@ -149,7 +149,7 @@ void TopLevel::buildDeviceMenus() {
 void TopLevel::buildMenus() {
     buildFileMenu();
     QMenu* edit = menuBar()->addMenu("&Edit");
-    addItem(edit, "mnuEditPref", "&Preferences...", nullptr);
+    addItem(edit, "mnuEditPref", "&Preferences...", &TopLevel::showPreferences);
     addItem(edit, "mnuEditCalibrate", "&Calibrate...", &TopLevel::showCalibration);
     buildViewMenu();
     buildDeviceMenus();

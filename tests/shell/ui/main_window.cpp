@@ -17,6 +17,9 @@
 #include "shell/ui/TopLevel.h"
 #include "spectrum/SpectrumCommands.h"
 #include "spectrum/ui/calib.h"
+#include "shell/ui/frmPref.h"
+#include <QCheckBox>
+#include <QFile>
 #include <QComboBox>
 
 using namespace vexo;
@@ -61,6 +64,9 @@ private slots:
                            << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
                               "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n";
         qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(sim.string()));
+        // Two report styles, so that loading the settings has nothing to complain about.
+        std::ofstream(dir() / "RepStyles.ini")
+            << "[Classic]\r\nCS_Description=Classic\r\n[Blue]\r\nCS_Description=Blue\r\n";
         qputenv("VEXO_DEVICE_LIBRARY", VEXO_BIN_DIR "/libKORVHW.so");
     }
 
@@ -235,6 +241,42 @@ private slots:
         QVERIFY(stayed);
         QVERIFY(!w.document().calibration.bCalibrated);
         QCOMPARE(w.document().calibration.dSlope, 2.5);
+    }
+
+    void preferencesOkSavesAndApplies() {
+        TopLevel w(dir(), &m_messages);
+        const std::string previousLibrary = w.settings().DefNucLib;
+        QTimer::singleShot(0, [] {
+            auto* pref = qobject_cast<frmPref*>(QApplication::activeModalWidget());
+            if (!pref) return;
+            qobject_cast<QComboBox*>(pref->control("cmbGraphType"))->setCurrentIndex(2);
+            qobject_cast<QComboBox*>(pref->control("cmbScale"))->setCurrentIndex(0);
+            qobject_cast<QCheckBox*>(pref->control("chkEnableExtProcessing"))->setChecked(false);
+            // Processing controls grey out, except "Start in:".
+            const bool greyed = !pref->control("txtProgram")->isEnabled() &&
+                                !pref->control("txtDataDir")->isEnabled() &&
+                                pref->control("txtStartupDir")->isEnabled();
+            qobject_cast<QCheckBox*>(pref->control("chkEnableExtProcessing"))->setChecked(true);
+            qobject_cast<QLineEdit*>(pref->control("txtDefNucLib"))->clear();
+            auto* styles = qobject_cast<QComboBox*>(pref->control("cmbRepStyle"));
+            if (styles->count() == 3) styles->setCurrentIndex(2); // place 0 is the empty style
+            qobject_cast<QLineEdit*>(pref->control("txtArguments"))->setText(greyed ? "%F" : "not greyed");
+            pref->cmdOk();
+        });
+        w.action("mnuEditPref")->trigger();
+        QCOMPARE(w.settings().SpctGraphType, 3);
+        QCOMPARE(w.settings().SpctScaleMode, 0);
+        QCOMPARE(w.settings().Arguments, std::string("%F"));
+        QCOMPARE(w.settings().RepStyle, std::string("Blue"));
+        QCOMPARE(w.settings().DefNucLib, previousLibrary); // an empty box keeps the library
+        QVERIFY(w.action("mnuViewHisto")->isChecked());
+        QVERIFY(w.action("tbLog")->isChecked());
+        QVERIFY(w.action("tbProcess")->isVisible());
+        QFile ini(QString::fromStdString(SettingsFilePath(dir()).string()));
+        QVERIFY(ini.open(QIODevice::ReadOnly));
+        const QByteArray text = ini.readAll();
+        QVERIFY(text.contains("SpctGraphType=3"));
+        QVERIFY(text.contains("EnableExtProcessing=-1"));
     }
 
     void connectStartTickStopSaveAllReopen() {

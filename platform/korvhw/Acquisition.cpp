@@ -10,6 +10,13 @@ namespace {
 
 constexpr size_t kSlots = 16384;
 constexpr double kTimeEpsilon = 1e-9;
+// Pulses handled one by one in a stretch that may end on a counts preset; longer
+// stretches are cut, so a long gap between calls costs a bounded amount per pulse
+// rate and never one loop over hours of pulses.
+constexpr double kMaxPulsesPerStretch = 2.0e6;
+// Piled-up pulses sampled one by one per stretch; above this each sample stands for
+// several, which only matters after long gaps at high rates.
+constexpr uint64_t kMaxPileSamples = 1000000;
 
 } // namespace
 
@@ -44,15 +51,15 @@ void Acquisition::syncWindow(const AcquisitionConditions& c) {
         m_windowCounts += m_counts[static_cast<size_t>(ch)];
 }
 
-void Acquisition::store(int32_t channel, const AcquisitionConditions& c) {
+void Acquisition::store(int32_t channel, const AcquisitionConditions& c, uint64_t n) {
     if (channel < c.lld || channel > c.uld || channel >= c.channels)
         return;
     int32_t& slot = m_counts[static_cast<size_t>(channel)];
-    if (slot < INT32_MAX)
-        ++slot; // a full channel saturates rather than wrapping
+    // A full channel saturates rather than wrapping.
+    slot = static_cast<int32_t>(std::min<uint64_t>(INT32_MAX, static_cast<uint64_t>(slot) + n));
     if (channel >= std::min(m_windowFirst, m_windowLast) &&
         channel <= std::max(m_windowFirst, m_windowLast))
-        ++m_windowCounts;
+        m_windowCounts += static_cast<int64_t>(n);
 }
 
 int32_t Acquisition::pileUpChannel(const SpectralShape& shape, Rng& rng) const {
@@ -97,6 +104,8 @@ void Acquisition::advance(double now, const AcquisitionConditions& c, Rng& rng) 
             }
             continue;
         }
+        if (c.countsPreset && rate > 0.0)
+            dt = std::min(dt, kMaxPulsesPerStretch / rate);
         bool timeUp = false;
         if (c.timePreset) {
             const double done = c.liveTimePreset ? m_live : m_real;
@@ -134,8 +143,16 @@ Acquisition::Segment Acquisition::runPha(double dt, bool pulses, const Acquisiti
     const double pileShare = 1.0 - std::exp(-rate * c.pileUpWindow);
     const double singlesMean = recordedMean * (1.0 - pileShare);
     const double pileMean = recordedMean * pileShare;
-    if (!c.countsPreset && singlesMean > 16.0 * (c.channels + 1))
-        return runPhaPerBin(dt, singlesMean, pileMean, lostMean, c, rng);
+    if (singlesMean > 16.0 * (c.channels + 1)) {
+        // Channel by channel is exact for the spectrum but not for the moment a counts
+        // preset is reached: use it only while the window stays far below the preset.
+        const double window = (singlesMean * c.shape->windowShare(std::min(m_windowFirst, m_windowLast),
+                                                                  std::max(m_windowFirst, m_windowLast)) +
+                               pileMean);
+        const double remaining = static_cast<double>(c.presetCounts - m_windowCounts);
+        if (!c.countsPreset || window + 10.0 * std::sqrt(window) + 10.0 < remaining)
+            return runPhaPerBin(dt, singlesMean, pileMean, lostMean, c, rng);
+    }
 
     const uint64_t singles = rng.poisson(singlesMean);
     const uint64_t piles = rng.poisson(pileMean);
@@ -173,24 +190,34 @@ Acquisition::Segment Acquisition::runPhaPerBin(double dt, double singlesMean, do
     uint64_t recorded = 0;
     const int32_t lo = std::max(0, c.lld);
     const int32_t hi = std::min({c.uld, c.channels - 1, shape.channels - 1});
+    const int32_t windowLo = std::min(m_windowFirst, m_windowLast);
+    const int32_t windowHi = std::max(m_windowFirst, m_windowLast);
     for (int32_t ch = lo; ch <= hi; ++ch) {
         const uint64_t n = rng.poisson(singlesMean * shape.probability[static_cast<size_t>(ch)]);
         int32_t& slot = m_counts[static_cast<size_t>(ch)];
         slot = static_cast<int32_t>(std::min<uint64_t>(INT32_MAX, static_cast<uint64_t>(slot) + n));
         recorded += n;
+        if (ch >= windowLo && ch <= windowHi)
+            m_windowCounts += static_cast<int64_t>(n);
     }
     const uint64_t piles = rng.poisson(pileMean);
-    if (!c.pileUpRejection)
-        for (uint64_t k = 0; k < piles; ++k)
-            store(pileUpChannel(shape, rng), c);
+    if (!c.pileUpRejection && piles > 0)
+        storePiles(piles, c, rng);
     // Pulses outside the stored window were processed too.
     const uint64_t outside = rng.poisson(singlesMean * (1.0 - shape.windowShare(lo, hi)));
     const uint64_t total = recorded + outside + piles;
     m_real += dt;
     addLive(dt - static_cast<double>(total) * c.deadPerEvent);
     m_input += total + rng.poisson(lostMean);
-    m_windowFirst = m_windowLast = -2; // force a recount before the next counts preset
     return {dt, false};
+}
+
+void Acquisition::storePiles(uint64_t piles, const AcquisitionConditions& c, Rng& rng) {
+    const uint64_t samples = std::min(piles, kMaxPileSamples);
+    const uint64_t each = piles / samples, extra = piles % samples;
+    for (uint64_t k = 0; k < samples; ++k) {
+        store(pileUpChannel(*c.shape, rng), c, each + (k < extra ? 1 : 0));
+    }
 }
 
 void Acquisition::runMcs(double dt, bool pulses, const AcquisitionConditions& c, Rng& rng) {

@@ -64,7 +64,8 @@ private:
     Segment runPhaPerBin(double dt, double singlesMean, double pileMean, double lostMean,
                          const AcquisitionConditions& c, Rng& rng);
     void runMcs(double dt, bool pulses, const AcquisitionConditions& c, Rng& rng);
-    void store(int32_t channel, const AcquisitionConditions& c);
+    void store(int32_t channel, const AcquisitionConditions& c, uint64_t n = 1);
+    void storePiles(uint64_t piles, const AcquisitionConditions& c, Rng& rng);
     int32_t pileUpChannel(const SpectralShape& shape, Rng& rng) const;
     void syncWindow(const AcquisitionConditions& c);
     void addLive(double seconds) { m_live += seconds > 0.0 ? seconds : 0.0; }

@@ -1,5 +1,6 @@
 #include "SimConfig.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -16,6 +17,12 @@
 namespace korvsim {
 
 namespace {
+
+// Beyond this a detector is paralysed anyway; the limit keeps every stretch of
+// simulated time affordable.
+constexpr double kMaxRateCps = 1.0e7;
+// A configuration is a few hundred bytes; anything huge is not one.
+constexpr std::uintmax_t kMaxConfigBytes = 1 << 20;
 
 DeviceSetup DefaultDevice10() {
     DeviceSetup d;
@@ -103,6 +110,10 @@ std::vector<SourceSetup> ReadSources(const std::string& text, const std::string&
         const SourceNuclide* nuclide = FindSource(name);
         auto rate = colon == std::string::npos ? std::optional<double>(1000.0)
                                                : ParseDouble(item.substr(colon + 1));
+        if (rate && *rate > kMaxRateCps) {
+            warnings.push_back("[" + section + "] source '" + item + "' limited to 1e7 counts/s");
+            rate = kMaxRateCps;
+        }
         if (!nuclide || !rate || *rate < 0.0) {
             warnings.push_back("[" + section + "] source '" + item + "' skipped (known: " +
                                KnownSourceNames() + ")");
@@ -162,7 +173,7 @@ DeviceSetup ReadDevice(const IniFile& ini, const std::string& s, size_t index,
     d.clockHz = static_cast<int32_t>(ReadInteger(ini, s, "ClockHz", 80000000, w));
     if (auto text = ini.get(s, "Sources"))
         d.sources = ReadSources(*text, s, w);
-    d.noiseCps = ReadDouble(ini, s, "NoiseRate", 200.0, w);
+    d.noiseCps = std::min(ReadDouble(ini, s, "NoiseRate", 200.0, w), kMaxRateCps);
     d.hvInhibitInput = ReadInteger(ini, s, "HVInhibit", 0, w) != 0;
     d.hvRampSeconds = ReadDouble(ini, s, "HVRampSeconds", 3.0, w);
     d.hvOnAtPowerUp = ReadInteger(ini, s, "HVOnAtPowerUp", 0, w) != 0;
@@ -260,6 +271,12 @@ ConfigLocation LocateConfig() {
         if (!std::filesystem::exists(beside, ec))
             return where; // no file: the built-in set
         where.path = beside;
+    }
+    std::error_code ec;
+    const std::uintmax_t size = std::filesystem::file_size(where.path, ec);
+    if (!ec && size > kMaxConfigBytes) {
+        where.error = where.path.string() + " is too large for a configuration";
+        return where;
     }
     std::ifstream in(where.path, std::ios::binary);
     if (!in) {

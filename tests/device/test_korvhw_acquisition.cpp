@@ -344,6 +344,31 @@ TEST_F(KorvhwAcquisition, WallClockRunsAtTheSpeedFactor) {
     EXPECT_FLOAT_EQ(Read(h).realTime, 5.0f);
 }
 
+TEST_F(KorvhwAcquisition, LongGapsBetweenCallsStayCheap) {
+    // At a million times speed 50 ms are about 14 hours of acquisition at 10^5 counts/s.
+    UseConfig(DeviceSection(1, "10000001", "A", "Sources=Cs-137:100000") +
+                  DeviceSection(2, "10000002", "B", "Sources=Cs-137:100000"),
+              "Clock=wall\r\nSpeed=1000000\r\n");
+    const int32_t a = Open("A"), b = Open("B");
+    ASSERT_EQ(SetInt(a, 20, 0), 0); // pile-up summing on: the costly case
+    ASSERT_EQ(SetInt(b, 30, 4), 0);
+    ASSERT_EQ(SetInt(b, 28, 1000000), 0);
+    ASSERT_EQ(SetInt(b, 31, 240), 0);
+    ASSERT_EQ(SetInt(b, 32, 290), 0);
+    ASSERT_EQ(lib().StartAcquisition(a), 0);
+    ASSERT_EQ(lib().StartAcquisition(b), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Status(a), 1);
+    EXPECT_EQ(Status(b), 0);
+    const auto spent = std::chrono::steady_clock::now() - begin;
+    EXPECT_LT(spent, std::chrono::seconds(3));
+    const Readout ra = Read(a), rb = Read(b);
+    EXPECT_GT(ra.realTime, 40000.0f);
+    EXPECT_GT(ra.sum(500, 560), 0) << "pile-up summing kept up";
+    EXPECT_EQ(rb.sum(240, 290), 1000000) << "the counts preset still stops exactly";
+}
+
 TEST_F(KorvhwAcquisition, SameSeedSameSpectrum) {
     Readout first, second, other;
     {

@@ -86,48 +86,56 @@ void Acquisition::advance(double now, const AcquisitionConditions& c, Rng& rng) 
         }
         const double rate = pulses && c.shape ? c.shape->triggerRateCps : 0.0;
         const double liveShare = 1.0 / (1.0 + rate * c.deadPerEvent);
-        if (c.mcs) {
-            // A dwell time shortened mid-run may already be used up: then the
-            // channel only moves on.
-            dt = std::min(dt, std::max(0.0, c.dwellSeconds - m_dwellElapsed));
-            if (dt > 0.0) {
-                runMcs(dt, pulses, c, rng);
-                m_last += dt;
-                m_dwellElapsed += dt;
-            }
-            if (m_dwellElapsed >= c.dwellSeconds - kTimeEpsilon) {
-                m_dwellElapsed = 0.0;
-                if (m_mcsChannel + 1 >= c.channels)
-                    m_running = false; // the scan has filled its last channel
-                else
-                    ++m_mcsChannel;
-            }
-            continue;
-        }
-        if (c.countsPreset && rate > 0.0)
-            dt = std::min(dt, kMaxPulsesPerStretch / rate);
-        bool timeUp = false;
-        if (c.timePreset) {
-            const double done = c.liveTimePreset ? m_live : m_real;
-            const double remaining = std::max(0.0, c.presetSeconds - done);
-            const double needed = c.liveTimePreset ? remaining / liveShare : remaining;
-            if (needed <= dt) {
-                dt = needed;
-                timeUp = true;
-            }
-        }
-        const Segment segment = runPha(dt, pulses, c, rng);
-        m_last += segment.used;
-        if (timeUp && !segment.presetReached) {
-            // Stop exactly at the preset, as the hardware compares its own timers.
-            (c.liveTimePreset ? m_live : m_real) = c.presetSeconds;
-            m_running = false;
-        }
-        if (segment.presetReached)
-            m_running = false;
+        if (c.mcs)
+            stepMcs(dt, pulses, c, rng);
+        else
+            stepPha(dt, pulses, liveShare, c, rng);
     }
     if (!m_running)
         m_last = now;
+}
+
+void Acquisition::stepMcs(double dt, bool pulses, const AcquisitionConditions& c, Rng& rng) {
+    // A dwell time shortened mid-run may already be used up: then the channel only
+    // moves on.
+    dt = std::min(dt, std::max(0.0, c.dwellSeconds - m_dwellElapsed));
+    if (dt > 0.0) {
+        runMcs(dt, pulses, c, rng);
+        m_last += dt;
+        m_dwellElapsed += dt;
+    }
+    if (m_dwellElapsed >= c.dwellSeconds - kTimeEpsilon) {
+        m_dwellElapsed = 0.0;
+        if (m_mcsChannel + 1 >= c.channels)
+            m_running = false; // the scan has filled its last channel
+        else
+            ++m_mcsChannel;
+    }
+}
+
+void Acquisition::stepPha(double dt, bool pulses, double liveShare, const AcquisitionConditions& c,
+                          Rng& rng) {
+    if (c.countsPreset && pulses && c.shape && c.shape->triggerRateCps > 0.0)
+        dt = std::min(dt, kMaxPulsesPerStretch / c.shape->triggerRateCps);
+    bool timeUp = false;
+    if (c.timePreset) {
+        const double done = c.liveTimePreset ? m_live : m_real;
+        const double remaining = std::max(0.0, c.presetSeconds - done);
+        const double needed = c.liveTimePreset ? remaining / liveShare : remaining;
+        if (needed <= dt) {
+            dt = needed;
+            timeUp = true;
+        }
+    }
+    const Segment segment = runPha(dt, pulses, c, rng);
+    m_last += segment.used;
+    if (timeUp && !segment.presetReached) {
+        // Stop exactly at the preset, as the hardware compares its own timers.
+        (c.liveTimePreset ? m_live : m_real) = c.presetSeconds;
+        m_running = false;
+    }
+    if (segment.presetReached)
+        m_running = false;
 }
 
 Acquisition::Segment Acquisition::runPha(double dt, bool pulses, const AcquisitionConditions& c,

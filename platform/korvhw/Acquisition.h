@@ -60,6 +60,8 @@ private:
         double used;  // seconds actually consumed (less when a counts preset ends it)
         bool presetReached;
     };
+    void stepMcs(double dt, bool pulses, const AcquisitionConditions& c, Rng& rng);
+    void stepPha(double dt, bool pulses, double liveShare, const AcquisitionConditions& c, Rng& rng);
     Segment runPha(double dt, bool pulses, const AcquisitionConditions& c, Rng& rng);
     Segment runPhaPerBin(double dt, double singlesMean, double pileMean, double lostMean,
                          const AcquisitionConditions& c, Rng& rng);

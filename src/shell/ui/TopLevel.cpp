@@ -43,8 +43,6 @@ TopLevel::TopLevel(const std::filesystem::path& appDir, Messages* messages)
         {"mnuMCASetup", "The MCA settings window is not available in this version"},
         {"tbSettings", "MCA settings (not available in this version)"},
         {"mnuMCABatch", "Batch acquisition is not available in this version"},
-        {"mnuViewScope", "The digital scope is not available in this version"},
-        {"tbScope", "Digital scope (not available in this version)"},
     };
     m_tmrRefresh.setInterval(kRefreshIntervalMs);
     m_tmrConnect.setInterval(kConnectIntervalMs);

@@ -35,6 +35,7 @@ class ScopeController;
 class SpectrumPlot;
 class frmAutoConnect;
 class calib;
+class Scope;
 
 class TopLevel : public QMainWindow {
     Q_OBJECT
@@ -78,6 +79,8 @@ public:
     void showDeviceInfo();
     void showCalibration(); // Edit > Calibrate: the dialog, modal
     void showPreferences(); // Edit > Preferences: saves the settings file on OK
+    void toggleScope();     // View > Scope: opens or closes the scope window
+    Scope* scopeWindow() const;
 
     SpectrumDocument& document() { return m_doc; }
     AppSettings& settings() { return m_settings; }
@@ -162,6 +165,7 @@ private:
 
     QPointer<frmAutoConnect> m_frmAutoConnect;
     QPointer<calib> m_calib;
+    QPointer<Scope> m_scopeWindow;
     QTimer m_tmrRefresh;
     QTimer m_tmrConnect;
     QTimer m_tmrBatchWait;

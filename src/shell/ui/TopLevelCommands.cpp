@@ -164,7 +164,7 @@ void TopLevel::dispatchToolButton(const QString& key) {
     case ToolButton::tbLin: setYScale(1); break;
     case ToolButton::tbLog: setYScale(0); break;
     case ToolButton::tbZoom: m_zoom.zoomed ? zoomOut() : zoomIn(); break;
-    case ToolButton::tbScope: action("mnuViewScope")->trigger(); break;
+    case ToolButton::tbScope: toggleScope(); break;
     case ToolButton::tbSettings: action("mnuMCASetup")->trigger(); break;
     case ToolButton::tbProcess: mnuToolsProcess(); break;
     }

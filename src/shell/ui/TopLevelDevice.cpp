@@ -12,6 +12,7 @@
 #include "device/ui/frmAutoConnect.h"
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
+#include "device/ui/Scope.h"
 #include "shell/AppDir.h"
 #include "shell/Messages.h"
 #include "shell/ui/TopLevel.h"
@@ -42,6 +43,9 @@ void TopLevel::createControllers() {
         m_tmrBatchWait.stop();
         RefreshMainWindow(0);
     };
+    ah.scopeCycle = [this] {
+        if (m_scopeWindow && m_scopeWindow->isVisible()) m_scopeWindow->DisplayWaveform();
+    };
     m_acq = std::make_unique<AcquisitionController>(*m_lib, m_doc, *m_messages, ah);
 
     ConnectionHooks ch;
@@ -52,6 +56,9 @@ void TopLevel::createControllers() {
         m_acq->DisplaySpectrum();
         DisplaySpectrum();
         showAcquisitionTexts();
+    };
+    ch.closeDeviceWindows = [this] {
+        if (m_scopeWindow) m_scopeWindow->close();
     };
     ch.setRefreshTimer = [this](bool on) { on ? m_tmrRefresh.start() : m_tmrRefresh.stop(); };
     m_connection = std::make_unique<ConnectionController>(*m_lib, m_doc, m_settings, m_appDir,
@@ -154,6 +161,28 @@ void TopLevel::clearAcquisition() {
     DisplaySpectrum();
     UpdateInfo();
     showAcquisitionTexts();
+}
+
+Scope* TopLevel::scopeWindow() const { return m_scopeWindow.data(); }
+
+// The menu's check mark follows the window however it closes: the window reports its
+// closing, and the mark is cleared there.
+void TopLevel::toggleScope() {
+    if (m_scopeWindow) {
+        m_scopeWindow->close();
+        return;
+    }
+    if (!needDevice()) {
+        UpdateMenu();
+        return;
+    }
+    m_scopeWindow = new Scope(*m_scope, [this] {
+        m_scopeShown = false;
+        UpdateMenu();
+    }, this);
+    m_scopeShown = true;
+    m_scopeWindow->show();
+    UpdateMenu();
 }
 
 void TopLevel::showDeviceInfo() {

@@ -122,7 +122,7 @@ void TopLevel::buildViewMenu() {
     check("mnuViewChn", "&Channels", [this] { showChannels(); });
     check("mnuViewEn", "&Energy", [this] { showEnergy(); });
     check("mnuViewTime", "&Time", [this] { showTime(); });
-    addItem(view, "mnuViewScope", "S&cope", nullptr)->setCheckable(true);
+    addItem(view, "mnuViewScope", "S&cope", &TopLevel::toggleScope)->setCheckable(true);
 }
 
 void TopLevel::buildDeviceMenus() {

@@ -12,6 +12,8 @@
 
 #include "device/AcquisitionController.h"
 #include "device/ui/frmDevices.h"
+#include "device/ui/Scope.h"
+#include <QRadioButton>
 #include "shell/Messages.h"
 #include "shell/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
@@ -19,6 +21,7 @@
 #include "spectrum/ui/calib.h"
 #include "shell/ui/frmPref.h"
 #include <QCheckBox>
+#include <QPushButton>
 #include <QFile>
 #include <QComboBox>
 
@@ -310,6 +313,25 @@ private slots:
         for (int ch = 0; ch < w.document().lChannels; ++ch) total += w.document().lCounts[ch];
         QVERIFY(total > 0);
         shoot(w, "main_acquiring");
+
+        // The scope: opened from the menu, fed by the tick, closed by its own button.
+        w.action("mnuViewScope")->trigger();
+        QVERIFY(w.scopeWindow());
+        QVERIFY(w.action("mnuViewScope")->isChecked());
+        w.scopeWindow()->optInput()->setChecked(true);
+        for (int i = 0; i < 4; ++i) w.acquisition()->tick();
+        w.scopeWindow()->resize(640, 360);
+        shoot(*w.scopeWindow(), "scope");
+        QTest::mouseClick(w.scopeWindow()->findChild<QPushButton*>("cmdClose"), Qt::LeftButton);
+        QApplication::processEvents();
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
+        w.dispatchToolButton("tbScope"); // reopened from the toolbar, closed by the menu
+        QVERIFY(w.action("mnuViewScope")->isChecked());
+        w.action("mnuViewScope")->trigger();
+        QApplication::processEvents();
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
 
         w.dispatchToolButton("tbStop");
         QVERIFY(!w.acquisition()->bAcqActive());

@@ -42,7 +42,6 @@ TopLevel::TopLevel(const std::filesystem::path& appDir, Messages* messages)
         {"tbPrint", "Print report (not available in this version)"},
         {"mnuMCASetup", "The MCA settings window is not available in this version"},
         {"tbSettings", "MCA settings (not available in this version)"},
-        {"mnuMCABatch", "Batch acquisition is not available in this version"},
     };
     m_tmrRefresh.setInterval(kRefreshIntervalMs);
     m_tmrConnect.setInterval(kConnectIntervalMs);

@@ -80,6 +80,7 @@ public:
     void showCalibration(); // Edit > Calibrate: the dialog, modal
     void showPreferences(); // Edit > Preferences: saves the settings file on OK
     void toggleScope();     // View > Scope: opens or closes the scope window
+    void showBatch();       // MCA > Batch: the batch window, modal
     Scope* scopeWindow() const;
 
     SpectrumDocument& document() { return m_doc; }

@@ -13,6 +13,7 @@
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
 #include "device/ui/Scope.h"
+#include "device/ui/frmBatch.h"
 #include "shell/AppDir.h"
 #include "shell/Messages.h"
 #include "shell/ui/TopLevel.h"
@@ -161,6 +162,18 @@ void TopLevel::clearAcquisition() {
     DisplaySpectrum();
     UpdateInfo();
     showAcquisitionTexts();
+}
+
+void TopLevel::showBatch() {
+    if (!needDevice()) return;
+    BatchSettings initial = m_batch->settings();
+    if (initial.szBatchDir.empty()) initial.szBatchDir = m_settings.BatchDataDir;
+    frmBatch dialog(initial, *m_messages, [this](const BatchSettings& s) {
+        m_batch->begin(s);
+        RefreshMainWindow(16);
+        showAcquisitionTexts();
+    }, this);
+    dialog.exec();
 }
 
 Scope* TopLevel::scopeWindow() const { return m_scopeWindow.data(); }

@@ -133,7 +133,7 @@ void TopLevel::buildDeviceMenus() {
     addItem(mca, "mnuMCAClear", "&Clear", &TopLevel::clearAcquisition, QKeySequence("F7"));
     mca->addSeparator();
     addItem(mca, "mnuMCASetup", "Set&up...", nullptr);
-    addItem(mca, "mnuMCABatch", "&Batch...", nullptr);
+    addItem(mca, "mnuMCABatch", "&Batch...", &TopLevel::showBatch);
 
     QMenu* roi = menuBar()->addMenu("&ROI");
     addItem(roi, "mnuROISave", "&Save ROIs...", &TopLevel::mnuROISave);

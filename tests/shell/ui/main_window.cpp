@@ -13,6 +13,8 @@
 #include "device/AcquisitionController.h"
 #include "device/ui/frmDevices.h"
 #include "device/ui/Scope.h"
+#include "device/ui/frmBatch.h"
+#include <QDir>
 #include <QRadioButton>
 #include "shell/Messages.h"
 #include "shell/ui/SpectrumPlot.h"
@@ -352,6 +354,49 @@ private slots:
         for (int ch = 0; ch < channels; ++ch) QCOMPARE(w.document().lCounts[ch], counts[ch]);
         QVERIFY2(m_messages.shown().empty(),
                  m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    void batchOfTwoSavesTwoFiles() {
+        TopLevel w(dir(), &m_messages);
+        auto drive = [] {
+            auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
+            if (!list) return;
+            list->tmrSearch();
+            list->tmrSearch();
+            list->cmdOpen();
+        };
+        QTimer::singleShot(0, drive);
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.document().lPresetMode = 3; // live-time preset
+        const QString out = m_dir.path() + "/batch";
+        QVERIFY(QDir().mkpath(out));
+        QTimer::singleShot(0, [out] {
+            auto* batch = qobject_cast<frmBatch*>(QApplication::activeModalWidget());
+            if (!batch) return;
+            qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out + "/nowhere");
+            batch->cmdStart(); // a folder that does not exist is refused
+            qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out);
+            qobject_cast<QLineEdit*>(batch->control("txtNoOfMeas"))->setText("2");
+            batch->cmdStart();
+            if (batch->isVisible()) batch->reject();
+        });
+        w.action("mnuMCABatch")->trigger();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].title, std::string("Batch Settings"));
+        QVERIFY(w.acquisition()->bBatchMode());
+        QCOMPARE(w.panelText(StatusPanel::Batch), QString("BATCH ON"));
+        QVERIFY(!enabled(w, "tbStart")); // batch on counts as busy
+        // Stop during the batch asks first; Cancel leaves it running.
+        m_messages.queueAnswer(MsgAnswer::Cancel);
+        w.stopAcquisition();
+        QCOMPARE(m_messages.shown().back().title, std::string("Stop Batch Acquisition"));
+        QVERIFY(w.acquisition()->bBatchMode());
+        m_messages.queueAnswer(MsgAnswer::Ok);
+        w.stopAcquisition();
+        QVERIFY(!w.acquisition()->bBatchMode());
+        QVERIFY(enabled(w, "tbStart"));
+        w.close();
     }
 
     void secondConnectIsRefused() {

@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(SharedSpectra, RealSpectrumFile, ::testing::ValuesIn(kF
                              return n;
                          });
 
-TEST(RealSpectrumFile, GammaVisionRoisAndIdentity) {
+TEST(RealSpectrumFile, SectionedFileRoisAndIdentity) {
     auto path = SpectraDir() / "becquerel_1110C_NAA_cave_background_May2017.spe";
     if (!std::filesystem::exists(path))
         GTEST_SKIP() << "no shared spectra";

@@ -40,8 +40,6 @@ TopLevel::TopLevel(const std::filesystem::path& appDir, Messages* messages)
     m_unavailable = {
         {"mnuFilePrint", "The report and its print preview are not available in this version"},
         {"tbPrint", "Print report (not available in this version)"},
-        {"mnuMCASetup", "The MCA settings window is not available in this version"},
-        {"tbSettings", "MCA settings (not available in this version)"},
     };
     m_tmrRefresh.setInterval(kRefreshIntervalMs);
     m_tmrConnect.setInterval(kConnectIntervalMs);

@@ -36,6 +36,7 @@ class SpectrumPlot;
 class frmAutoConnect;
 class calib;
 class Scope;
+class Settings;
 
 class TopLevel : public QMainWindow {
     Q_OBJECT
@@ -81,6 +82,8 @@ public:
     void showPreferences(); // Edit > Preferences: saves the settings file on OK
     void toggleScope();     // View > Scope: opens or closes the scope window
     void showBatch();       // MCA > Batch: the batch window, modal
+    void showMcaSettings(); // MCA > Setup: the settings window, modeless
+    Settings* settingsWindow() const;
     Scope* scopeWindow() const;
 
     SpectrumDocument& document() { return m_doc; }
@@ -167,6 +170,7 @@ private:
     QPointer<frmAutoConnect> m_frmAutoConnect;
     QPointer<calib> m_calib;
     QPointer<Scope> m_scopeWindow;
+    QPointer<Settings> m_settingsWindow;
     QTimer m_tmrRefresh;
     QTimer m_tmrConnect;
     QTimer m_tmrBatchWait;

@@ -165,7 +165,7 @@ void TopLevel::dispatchToolButton(const QString& key) {
     case ToolButton::tbLog: setYScale(0); break;
     case ToolButton::tbZoom: m_zoom.zoomed ? zoomOut() : zoomIn(); break;
     case ToolButton::tbScope: toggleScope(); break;
-    case ToolButton::tbSettings: action("mnuMCASetup")->trigger(); break;
+    case ToolButton::tbSettings: showMcaSettings(); break;
     case ToolButton::tbProcess: mnuToolsProcess(); break;
     }
 }

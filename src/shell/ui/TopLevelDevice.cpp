@@ -14,6 +14,7 @@
 #include "device/ui/frmDevices.h"
 #include "device/ui/Scope.h"
 #include "device/ui/frmBatch.h"
+#include "device/ui/Settings.h"
 #include "shell/AppDir.h"
 #include "shell/Messages.h"
 #include "shell/ui/TopLevel.h"
@@ -60,6 +61,10 @@ void TopLevel::createControllers() {
     };
     ch.closeDeviceWindows = [this] {
         if (m_scopeWindow) m_scopeWindow->close();
+        if (m_settingsWindow) m_settingsWindow->close();
+    };
+    ch.refreshSettingsControls = [this] {
+        if (m_settingsWindow) m_settingsWindow->refreshControls();
     };
     ch.setRefreshTimer = [this](bool on) { on ? m_tmrRefresh.start() : m_tmrRefresh.stop(); };
     m_connection = std::make_unique<ConnectionController>(*m_lib, m_doc, m_settings, m_appDir,
@@ -174,6 +179,24 @@ void TopLevel::showBatch() {
         showAcquisitionTexts();
     }, this);
     dialog.exec();
+}
+
+Settings* TopLevel::settingsWindow() const { return m_settingsWindow.data(); }
+
+void TopLevel::showMcaSettings() {
+    if (!needDevice()) return;
+    if (m_doc.hDevice == 0) {
+        m_messages->exclamation("Not connected");
+        return;
+    }
+    if (!m_settingsWindow) {
+        m_settingsWindow = new Settings(*m_lib, m_doc, *m_messages, [this] {
+            DisplaySpectrum();
+            UpdateInfo();
+        }, this);
+    }
+    m_settingsWindow->show();
+    m_settingsWindow->raise();
 }
 
 Scope* TopLevel::scopeWindow() const { return m_scopeWindow.data(); }

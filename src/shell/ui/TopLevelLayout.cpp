@@ -132,7 +132,7 @@ void TopLevel::buildDeviceMenus() {
     addItem(mca, "mnuMCAStop", "S&top", &TopLevel::stopAcquisition, QKeySequence("F6"));
     addItem(mca, "mnuMCAClear", "&Clear", &TopLevel::clearAcquisition, QKeySequence("F7"));
     mca->addSeparator();
-    addItem(mca, "mnuMCASetup", "Set&up...", nullptr);
+    addItem(mca, "mnuMCASetup", "Set&up...", &TopLevel::showMcaSettings);
     addItem(mca, "mnuMCABatch", "&Batch...", &TopLevel::showBatch);
 
     QMenu* roi = menuBar()->addMenu("&ROI");

@@ -14,6 +14,7 @@
 #include "device/ui/frmDevices.h"
 #include "device/ui/Scope.h"
 #include "device/ui/frmBatch.h"
+#include "device/ui/Settings.h"
 #include <QDir>
 #include <QRadioButton>
 #include "shell/Messages.h"
@@ -315,6 +316,21 @@ private slots:
         for (int ch = 0; ch < w.document().lChannels; ++ch) total += w.document().lCounts[ch];
         QVERIFY(total > 0);
         shoot(w, "main_acquiring");
+
+        // MCA settings: a coarse gain chosen and applied comes back from the device.
+        w.dispatchToolButton("tbSettings");
+        QVERIFY(w.settingsWindow());
+        auto* coarse = qobject_cast<QComboBox*>(w.settingsWindow()->control("cmbCoarseGain"));
+        QCOMPARE(coarse->count(), 8);
+        QCOMPARE(coarse->itemText(7), QString("x128"));
+        coarse->setCurrentIndex(4);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(w.document().lCoarseGain, 4);
+        QCOMPARE(coarse->currentIndex(), 4);
+        shoot(*w.settingsWindow(), "mca_settings");
+        w.settingsWindow()->close();
+        QApplication::processEvents();
+        QVERIFY(!w.settingsWindow());
 
         // The scope: opened from the menu, fed by the tick, closed by its own button.
         w.action("mnuViewScope")->trigger();

@@ -24,6 +24,7 @@
 #include "spectrum/ui/calib.h"
 #include "shell/ui/frmPref.h"
 #include <QCheckBox>
+#include <QTabWidget>
 #include <QPushButton>
 #include <QFile>
 #include <QComboBox>
@@ -169,6 +170,7 @@ private slots:
         QCOMPARE(w.infoTexts()[2], QString("662.50 keV"));
         w.SetCursor(20000); // outside the array: read-out unchanged
         QCOMPARE(w.infoTexts()[0], QString("Channel 265"));
+        w.SetCursor(265);
         w.dispatchToolButton("tbLog");
         QVERIFY(w.action("tbLog")->isChecked());
         QVERIFY(!w.action("tbLin")->isChecked());
@@ -252,9 +254,10 @@ private slots:
     void preferencesOkSavesAndApplies() {
         TopLevel w(dir(), &m_messages);
         const std::string previousLibrary = w.settings().DefNucLib;
-        QTimer::singleShot(0, [] {
+        QTimer::singleShot(0, [this] {
             auto* pref = qobject_cast<frmPref*>(QApplication::activeModalWidget());
             if (!pref) return;
+            pref->findChild<QTabWidget*>()->setCurrentIndex(1); // the display page and its preview
             qobject_cast<QComboBox*>(pref->control("cmbGraphType"))->setCurrentIndex(2);
             qobject_cast<QComboBox*>(pref->control("cmbScale"))->setCurrentIndex(0);
             qobject_cast<QCheckBox*>(pref->control("chkEnableExtProcessing"))->setChecked(false);
@@ -267,6 +270,7 @@ private slots:
             auto* styles = qobject_cast<QComboBox*>(pref->control("cmbRepStyle"));
             if (styles->count() == 3) styles->setCurrentIndex(2); // place 0 is the empty style
             qobject_cast<QLineEdit*>(pref->control("txtArguments"))->setText(greyed ? "%F" : "not greyed");
+            shoot(*pref, "preferences");
             pref->cmdOk();
         });
         w.action("mnuEditPref")->trigger();

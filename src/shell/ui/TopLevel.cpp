@@ -47,7 +47,11 @@ TopLevel::TopLevel(const std::filesystem::path& appDir, Messages* messages)
     startUp();
 }
 
-TopLevel::~TopLevel() = default;
+// A window destroyed without being closed (a test, an aborted start) still releases
+// the device before the library goes away.
+TopLevel::~TopLevel() {
+    if (m_connection && m_doc.hDevice != 0) m_connection->exit();
+}
 
 // Start-up, in the order the program has always followed.
 void TopLevel::startUp() {

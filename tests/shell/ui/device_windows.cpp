@@ -1,0 +1,195 @@
+// The device windows with the simulated analyser loaded for real: the device list,
+// Connect, Start, the refresh tick, the MCA settings and scope windows, Stop, Save All
+// and reopening the file; batches; the start-up connection to the last detector.
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QTimer>
+#include <fstream>
+
+#include "UiTestSupport.h"
+#include "device/AcquisitionController.h"
+#include "device/ui/Scope.h"
+#include "device/ui/Settings.h"
+#include "device/ui/frmBatch.h"
+#include "device/ui/frmDevices.h"
+#include "shell/ui/TopLevel.h"
+
+using namespace vexo;
+
+class DeviceWindowsTest : public QObject, public UiFixture {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QVERIFY(setUp()); }
+    void init() { m_messages.clear(); }
+
+    void connectStartTickStopSaveAllReopen() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY2(w.document().hDevice != 0, "the simulated analyser did not open");
+        QCOMPARE(w.panelText(StatusPanel::Connection),
+                 QString("Connected to KORV MCA-10 S/N 10230417"));
+        QVERIFY(enabled(w, "tbStart"));
+        QVERIFY(!enabled(w, "tbStop"));
+        QVERIFY(!enabled(w, "tbConnect"));
+        QVERIFY(w.refreshTimer().isActive());
+
+        w.action("mnuMCAStart")->trigger();
+        QVERIFY(w.acquisition()->bAcqActive());
+        QVERIFY(enabled(w, "tbStop"));
+        QVERIFY(!enabled(w, "tbStart"));
+        for (int i = 0; i < 6; ++i) w.acquisition()->tick();
+        QVERIFY(w.panelText(StatusPanel::Elapsed).startsWith("Elapsed time (seconds): "));
+        QVERIFY(w.panelText(StatusPanel::CountRate).endsWith(" cps"));
+        long long total = 0;
+        for (int ch = 0; ch < w.document().lChannels; ++ch) total += w.document().lCounts[ch];
+        QVERIFY(total > 0);
+        shoot(w, "main_acquiring");
+
+        // MCA settings: a coarse gain chosen and applied comes back from the device.
+        w.dispatchToolButton("tbSettings");
+        QVERIFY(w.settingsWindow());
+        auto* coarse = qobject_cast<QComboBox*>(w.settingsWindow()->control("cmbCoarseGain"));
+        QCOMPARE(coarse->count(), 8);
+        QCOMPARE(coarse->itemText(7), QString("x128"));
+        coarse->setCurrentIndex(4);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(w.document().lCoarseGain, 4);
+        QCOMPARE(coarse->currentIndex(), 4);
+        shoot(*w.settingsWindow(), "mca_settings");
+        w.settingsWindow()->close();
+        QApplication::processEvents();
+        QVERIFY(!w.settingsWindow());
+
+        // The scope: opened from the menu, fed by the tick, closed by its own button.
+        w.action("mnuViewScope")->trigger();
+        QVERIFY(w.scopeWindow());
+        QVERIFY(w.action("mnuViewScope")->isChecked());
+        w.scopeWindow()->optInput()->setChecked(true);
+        for (int i = 0; i < 4; ++i) w.acquisition()->tick();
+        w.scopeWindow()->resize(640, 360);
+        shoot(*w.scopeWindow(), "scope");
+        QTest::mouseClick(w.scopeWindow()->findChild<QPushButton*>("cmdClose"), Qt::LeftButton);
+        QApplication::processEvents();
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
+        w.dispatchToolButton("tbScope"); // reopened from the toolbar, closed by the menu
+        QVERIFY(w.action("mnuViewScope")->isChecked());
+        w.action("mnuViewScope")->trigger();
+        QApplication::processEvents();
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
+
+        w.dispatchToolButton("tbStop");
+        QVERIFY(!w.acquisition()->bAcqActive());
+        QVERIFY(enabled(w, "tbStart"));
+        const QString saved = m_dir.path() + "/measured.spe";
+        QVERIFY(w.saveAllSpectrum(saved));
+        const auto counts = w.document().lCounts;
+        const int channels = w.document().lChannels;
+
+        w.action("mnuFileDisconnect")->trigger();
+        QCOMPARE(w.document().hDevice, 0);
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
+        QVERIFY(!w.refreshTimer().isActive());
+
+        w.document().lCounts.fill(0);
+        QVERIFY(w.openSpectrum(saved));
+        QCOMPARE(w.document().lChannels, channels);
+        for (int ch = 0; ch < channels; ++ch) QCOMPARE(w.document().lCounts[ch], counts[ch]);
+        QVERIFY2(m_messages.shown().empty(),
+                 m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    void batchOfTwoSavesTwoFiles() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.document().lPresetMode = 3; // live-time preset
+        const QString out = m_dir.path() + "/batch";
+        QVERIFY(QDir().mkpath(out));
+        QTimer::singleShot(0, [out] {
+            auto* batch = qobject_cast<frmBatch*>(QApplication::activeModalWidget());
+            if (!batch) return;
+            qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out + "/nowhere");
+            batch->cmdStart(); // a folder that does not exist is refused
+            qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out);
+            qobject_cast<QLineEdit*>(batch->control("txtNoOfMeas"))->setText("2");
+            batch->cmdStart();
+            if (batch->isVisible()) batch->reject();
+        });
+        w.action("mnuMCABatch")->trigger();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].title, std::string("Batch Settings"));
+        QVERIFY(w.acquisition()->bBatchMode());
+        QCOMPARE(w.panelText(StatusPanel::Batch), QString("BATCH ON"));
+        QVERIFY(!enabled(w, "tbStart")); // batch on counts as busy
+        // Stop during the batch asks first; Cancel leaves it running.
+        m_messages.queueAnswer(MsgAnswer::Cancel);
+        w.stopAcquisition();
+        QCOMPARE(m_messages.shown().back().title, std::string("Stop Batch Acquisition"));
+        QVERIFY(w.acquisition()->bBatchMode());
+        m_messages.queueAnswer(MsgAnswer::Ok);
+        w.stopAcquisition();
+        QVERIFY(!w.acquisition()->bBatchMode());
+        QVERIFY(enabled(w, "tbStart"));
+        w.close();
+    }
+
+    void secondConnectIsRefused() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        m_messages.clear();
+        w.dispatchToolButton("tbConnect");
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text, std::string("Already connected"));
+        w.close();
+        QCOMPARE(w.document().hDevice, 0); // shut-down closes the device
+    }
+
+    void emptyDeviceListRefusesOpen() {
+        TopLevel w(dir(), &m_messages);
+        QTimer::singleShot(0, [] {
+            auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
+            if (!list) return;
+            list->cmdOpen(); // no tick yet: the list is empty
+            list->reject();
+        });
+        w.connectDevice();
+        QCOMPARE(w.document().hDevice, 0);
+        // Start-up may also have said that the report styles file is missing.
+        int listEmpty = 0;
+        for (const Message& m : m_messages.shown())
+            listEmpty += m.text == kEmptyDeviceListText && m.title == "Vexo";
+        QCOMPARE(listEmpty, 1);
+    }
+    // Start-up with "OpenLastDetectorUsed": tmrConnect opens the remembered detector.
+    void autoConnectAtStartUp() {
+        {
+            std::ofstream ini(dir() / "Vexo.ini");
+            ini << "[PROGRAM]\r\nOpenLastDetectorUsed=-1\r\nDetectorPath=USB:KORV-10-001\r\n";
+        }
+        TopLevel w(dir(), &m_messages);
+        QTRY_VERIFY_WITH_TIMEOUT(w.document().hDevice != 0, 5000);
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Connected to KORV MCA-10 S/N 10230417"));
+        QVERIFY(w.refreshTimer().isActive());
+        w.close();
+        QCOMPARE(w.document().hDevice, 0);
+        std::filesystem::remove(dir() / "Vexo.ini");
+    }
+};
+
+QTEST_MAIN(DeviceWindowsTest)
+#include "device_windows.moc"

@@ -178,10 +178,11 @@ bool AcquisitionController::DisplayStatus() {
 
 void AcquisitionController::presetText() {
     const int32_t mode = m_doc.lPresetMode;
-    if (mode == 0 || mode == 1 || mode == 6 || mode == 7) {
-        m_texts.preset.clear();
+    // A mode that names neither a time nor a counts preset (external start alone) shows
+    // no preset text either, rather than the previous mode's.
+    m_texts.preset.clear();
+    if (mode == 0 || mode == 1 || mode == 6 || mode == 7)
         return;
-    }
     if (mode & kPresetTimeActive)
         m_texts.preset = std::string((mode & kPresetLiveTime) ? "Live Time = " : "Real Time = ") +
                          SingleToText(m_doc.sngPresetTime) + " sec";

@@ -43,6 +43,12 @@ int32_t PresetModeFrom(const PresetChoice& choice, int32_t previous) {
     return mode;
 }
 
+const char* HVStateText(int32_t hvState) {
+    if (hvState & kHVInhibited) return "Inhibited";
+    if (hvState & kHVRamping) return "Ramping";
+    return (hvState & kHVOn) ? "On" : "Off";
+}
+
 float ClampHighVoltage(float volts, float maxHV) {
     const float top = maxHV > 0.0f ? maxHV : 1500.0f;
     if (!std::isfinite(volts)) return 0.0f;

@@ -34,6 +34,10 @@ struct PresetChoice {
 PresetChoice PresetChoiceFrom(int32_t presetMode);
 int32_t PresetModeFrom(const PresetChoice& choice, int32_t previous);
 
+// The high-voltage state word (id 22) for people: "Inhibited" when the external inhibit
+// holds it off, "Ramping" while it moves, else "On" or "Off".
+const char* HVStateText(int32_t hvState);
+
 // High voltage held to 0..maxHV volts (a maxHV of 0 or less counts as 1500 V).
 float ClampHighVoltage(float volts, float maxHV);
 

@@ -42,3 +42,10 @@ TEST(SettingsDisplay, HighVoltageLimits) {
     EXPECT_EQ(ClampHighVoltage(1400.0f, 0.0f), 1400.0f);
     EXPECT_EQ(ClampHighVoltage(1600.0f, 0.0f), 1500.0f);
 }
+
+TEST(SettingsDisplay, HighVoltageStateTexts) {
+    EXPECT_STREQ(HVStateText(0), "Off");
+    EXPECT_STREQ(HVStateText(kHVOn), "On");
+    EXPECT_STREQ(HVStateText(kHVOn | kHVRamping), "Ramping");
+    EXPECT_STREQ(HVStateText(kHVOn | kHVRamping | kHVInhibited), "Inhibited");
+}

@@ -154,6 +154,8 @@ QWidget* Settings::voltageGroup() {
     form->addRow("Voltage:", m_hv);
     m_hvOn = Named(new QCheckBox("High voltage on"), "chkHVOn");
     form->addRow(m_hvOn);
+    m_hvState = Named(new QLabel, "lblHVState");
+    form->addRow("State:", m_hvState);
     return group;
 }
 
@@ -201,7 +203,15 @@ void Settings::refreshControls() {
     m_hv->setMaximum(ClampHighVoltage(1.0e9f, d.sngMaxHV));
     m_hv->setValue(d.sngHighVoltage);
     m_hvOn->setChecked(d.lHVOn != 0);
+    showHVState();
     updateModeControls();
+}
+
+// The state is asked of the device: ramping and inhibit are not kept in the record.
+void Settings::showHVState() {
+    int32_t word = 0;
+    const int32_t status = m_doc.hDevice != 0 ? m_lib.getParam(m_doc.hDevice, DeviceParamId::HVState, word) : -1;
+    m_hvState->setText(status == 0 ? HVStateText(word) : "Unknown");
 }
 
 void Settings::collect() {

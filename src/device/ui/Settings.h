@@ -39,6 +39,7 @@ private:
     void collect(); // controls -> record
     void updateModeControls();
     void showFineFactor();
+    void showHVState();
 
     DeviceLibrary& m_lib;
     SpectrumDocument& m_doc;
@@ -72,6 +73,7 @@ private:
     QCheckBox* m_pur = nullptr;
     QDoubleSpinBox* m_hv = nullptr;
     QCheckBox* m_hvOn = nullptr;
+    QLabel* m_hvState = nullptr;
 };
 
 } // namespace vexo

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -65,6 +66,7 @@ private slots:
         w.settingsWindow()->cmdApply();
         QCOMPARE(w.document().lCoarseGain, 4);
         QCOMPARE(coarse->currentIndex(), 4);
+        QCOMPARE(qobject_cast<QLabel*>(w.settingsWindow()->control("lblHVState"))->text(), QString("On"));
         shoot(*w.settingsWindow(), "mca_settings");
         w.settingsWindow()->close();
         QApplication::processEvents();

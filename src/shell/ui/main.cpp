@@ -2,6 +2,8 @@
 // the main window.
 #include <QApplication>
 #include <QCommandLineParser>
+#include <cstdio>
+#include <filesystem>
 
 #include "shell/AppDir.h"
 #include "shell/ui/TopLevel.h"
@@ -23,6 +25,14 @@ int main(int argc, char** argv) {
 
     const std::filesystem::path appDir =
         vexo::ResolveAppDir(parser.value(appDirOption).toStdString(), vexo::ExecutableDir());
+    // A folder named on the command line that does not exist yet is made, so the
+    // settings can be saved there; one that cannot be made ends the start here.
+    std::error_code ec;
+    if (!std::filesystem::is_directory(appDir, ec) && !std::filesystem::create_directories(appDir, ec)) {
+        std::fprintf(stderr, "vexo: cannot use %s as the application folder: %s\n",
+                     appDir.string().c_str(), ec ? ec.message().c_str() : "not a folder");
+        return 1;
+    }
     vexo::SetAppDir(appDir);
 
     vexo::TopLevel window(appDir);

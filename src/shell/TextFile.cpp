@@ -37,9 +37,11 @@ char ByteForCodePoint(char32_t cp) {
 }
 
 // Decodes one UTF-8 sequence at text[i]; returns its length, or 0 when it is not valid.
+// Overlong forms (C0 8A is not a line feed), surrogates and code points past U+10FFFF
+// are not valid: their bytes are then taken as Windows-1252 bytes as they stand.
 std::size_t DecodeUtf8(std::string_view text, std::size_t i, char32_t& cp) {
     auto b = static_cast<unsigned char>(text[i]);
-    std::size_t len = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 0;
+    std::size_t len = b >= 0xF8 ? 0 : b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 0;
     if (len == 0 || i + len > text.size())
         return 0;
     cp = b & (0x7F >> len);
@@ -49,6 +51,9 @@ std::size_t DecodeUtf8(std::string_view text, std::size_t i, char32_t& cp) {
             return 0;
         cp = (cp << 6) | (c & 0x3F);
     }
+    constexpr char32_t kLeast[5] = {0, 0, 0x80, 0x800, 0x10000};
+    if (cp < kLeast[len] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
+        return 0;
     return len;
 }
 

@@ -9,6 +9,7 @@
 
 #include "TestSupport.h"
 #include "shell/DateTime.h"
+#include "shell/Messages.h"
 #include "spectrum/PlainCountsFile.h"
 #include "spectrum/SpectrumCommands.h"
 #include "spectrum/SpectrumFile.h"
@@ -404,6 +405,29 @@ TEST(VerifySpectrumOpen, FullFileWithoutRoisAfterOneWithRois) {
     ASSERT_TRUE(OpenSpectrum(*doc, dir / "without.spe").full);
     EXPECT_EQ(doc->rois.nGetROINo(), 0);
     EXPECT_TRUE(doc->plot.rois.empty());
+}
+
+TEST(VerifySpectrumOpen, DialogsAndSaveAllFailure) {
+    EXPECT_EQ(kOpenSpectrumFilter, "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|"
+                                   "Spectrum files (*.spe)|*.spe|All files (*.*)|*.*");
+    EXPECT_EQ(kSaveSpectrumFilter,
+              "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*");
+    EXPECT_EQ(kSaveAllSpectrumFilter, kOpenSpectrumFilter);
+    EXPECT_EQ(kOpenSpectrumTitle, "Open Spectrum...");
+    EXPECT_EQ(kSaveSpectrumTitle, "Save Spectrum As...");
+    EXPECT_EQ(kSaveAllSpectrumTitle, "Save Spectrum As...");
+    EXPECT_EQ(kOpenSpectrumDefaultExt, "spe");
+    EXPECT_EQ(kSaveSpectrumDefaultExt, "dat");
+    EXPECT_EQ(kSaveAllSpectrumDefaultExt, "spe");
+
+    TempDir dir;
+    ScriptedMessages messages;
+    EXPECT_FALSE(SaveAllSpectrum(*TenChannels(), dir / "no" / "such" / "x.spe", messages));
+    ASSERT_EQ(messages.shown().size(), 1u);
+    EXPECT_EQ(messages.shown()[0].title, "Vexo");
+    EXPECT_EQ(messages.shown()[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(messages.shown()[0].text.rfind("Error saving file: ", 0), 0u);
+    EXPECT_GT(messages.shown()[0].text.size(), std::string("Error saving file: ").size());
 }
 
 // --- Files written by other programs --------------------------------------------------

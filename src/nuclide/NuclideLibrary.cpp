@@ -158,7 +158,10 @@ bool IsNuclideLibrary(const std::filesystem::path& path) {
     return matcher.finish();
 }
 
-std::string LibraryNumberText(float value) { return ShortestSingleText(value); }
+std::string LibraryNumberText(float value) {
+    // Zero has no sign in the file: -0 (say an energy of -0.001 rounded) is written "0".
+    return ShortestSingleText(value == 0.0f ? 0.0f : value);
+}
 
 std::string LibrarySectionName(const clsNuclide& line) {
     std::string energy;

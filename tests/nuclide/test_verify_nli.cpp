@@ -41,6 +41,16 @@ TEST(VerifyNuclideLibrary, SectionNames) {
     }
 }
 
+TEST(VerifyNuclideLibrary, NumbersAsShortestTextWithoutSignedZero) {
+    const struct {
+        float value;
+        const char* text;
+    } cases[] = {{1173.2f, "1173.2"}, {661.657f, "661.657"}, {100.0f, "100"},
+                 {0.0f, "0"},         {-0.0f, "0"},          {0.1f, "0.1"}};
+    for (const auto& c : cases)
+        EXPECT_EQ(LibraryNumberText(c.value), c.text) << c.text;
+}
+
 TEST(VerifyNuclideLibrary, WrittenFileByteForByte) {
     TempDir dir;
     const std::vector<clsNuclide> lines = {

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "shell/VexoError.h"
+
 namespace vexo {
 namespace {
 
@@ -136,6 +138,8 @@ std::string FormatScientific(double value, int sig) {
 } // namespace
 
 std::string FormatNumber(double value, std::string_view pattern, int significantDigits) {
+    if (!std::isfinite(value))
+        throw FloatingPointError(); // no pattern can show NaN or infinity
     if (pattern == "0.00E+##")
         return FormatScientific(value, significantDigits);
     auto dot = pattern.find('.');

@@ -14,7 +14,8 @@ namespace vexo {
 // Rounding is half away from zero on the decimal digits of the value, as display
 // formatting does: the value is first taken to `significantDigits` digits (15 for a
 // 64-bit float, 7 for a 32-bit one), so 2.675 shows as "2.68".
-// Throws std::invalid_argument for a pattern outside this set.
+// Throws std::invalid_argument for a pattern outside this set and FloatingPointError
+// for NaN or infinity.
 std::string FormatNumber(double value, std::string_view pattern, int significantDigits = 15);
 
 // Same, for a 32-bit float (taken to seven significant digits before rounding).

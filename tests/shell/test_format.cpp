@@ -1,10 +1,13 @@
 // Number formats, rounding and date texts shared by files, read-outs and reports.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "shell/DateTime.h"
 #include "shell/NumberFormat.h"
 #include "shell/Rounding.h"
 #include "shell/TextFile.h"
+#include "shell/VexoError.h"
 
 using namespace vexo;
 
@@ -32,6 +35,13 @@ INSTANTIATE_TEST_SUITE_P(
                       FormatCase{0.5, "#####.0", ".5"}, FormatCase{123456, "0.00E+##", "1.23E+5"},
                       FormatCase{-0.00015, "0.00E+##", "-1.50E-4"},
                       FormatCase{99999, "0.00E+##", "1.00E+5"}, FormatCase{99.5, "0", "100"}));
+
+TEST(FormatNumber, NonFiniteIsAFloatingPointError) {
+    for (double v : {std::nan(""), HUGE_VAL, -HUGE_VAL})
+        for (const char* pattern : {"0.00", "###0.00", "#####.0", "0.00E+##"})
+            EXPECT_THROW(FormatNumber(v, pattern), FloatingPointError) << v << " " << pattern;
+    EXPECT_THROW(FormatSingle(INFINITY, "0.0"), FloatingPointError);
+}
 
 TEST(SingleToText, GeneralFormSevenDigits) {
     EXPECT_EQ(SingleToText(1.2345678e-5f), "1.234568E-05");

@@ -102,7 +102,7 @@ void FitParabola(double x0, double y0, double x1, double y1, double x2, double y
     if (d.v == 0.0)
         return;
     Fp quad = ((Y1 - Y0) * X2 + (Y0 - Y2) * X1 + (Y2 - Y1) * X0) / d;
-    Fp slope = (X0 * X0 * (Y1 - Y2) + (Y0 - Y1) * X2 * X2 + X1 * X1 * (Y2 - Y0)) / d;
+    Fp slope = (X0 * X0 * (Y1 - Y2) + (Y0 - Y1) * (X2 * X2) + X1 * X1 * (Y2 - Y0)) / d;
     Fp offset = (((X2 - X0) * X0 * Y1 + (X1 - X2) * X1 * Y0) * X2 + (X0 - X1) * X0 * X1 * Y2) / d;
     cal.dQuad = quad.v;
     cal.dSlope = slope.v;

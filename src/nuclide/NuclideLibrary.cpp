@@ -159,7 +159,7 @@ bool IsNuclideLibrary(const std::filesystem::path& path) {
 }
 
 std::string LibraryNumberText(float value) {
-    // Zero has no sign in the file: -0 (say an energy of -0.001 rounded) is written "0".
+    // Zero has no sign in the file: -0 is written "0".
     return ShortestSingleText(value == 0.0f ? 0.0f : value);
 }
 

@@ -46,7 +46,8 @@ TEST(VerifyNuclideLibrary, NumbersAsShortestTextWithoutSignedZero) {
         float value;
         const char* text;
     } cases[] = {{1173.2f, "1173.2"}, {661.657f, "661.657"}, {100.0f, "100"},
-                 {0.0f, "0"},         {-0.0f, "0"},          {0.1f, "0.1"}};
+                 {0.0f, "0"},         {-0.0f, "0"},          {0.1f, "0.1"},
+                 {0.00012f, "0.00012"}, {0.005f, "0.005"}, {1e-5f, "1e-05"}};
     for (const auto& c : cases)
         EXPECT_EQ(LibraryNumberText(c.value), c.text) << c.text;
 }

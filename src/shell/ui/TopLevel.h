@@ -130,6 +130,7 @@ private:
     void createControllers();
     void applyUpdate(const MainWindowUpdate& update);
     void showAcquisitionTexts();
+    void showRoiReadout();
     void startAutoConnect();
     void tmrConnect();
     void applyXUnit(const AxisSetup& setup);
@@ -181,7 +182,7 @@ private:
     QToolBar* m_toolbar = nullptr;
     QWidget* m_infoBar = nullptr;
     std::array<QLabel*, 3> m_cursorLabels{};
-    std::array<QLabel*, 2> m_roiLabels{};
+    std::array<QLabel*, 4> m_roiLabels{}; // net area, integral, net rate, integral rate
     std::array<QLabel*, kStatusPanelCount> m_panels{};
     std::array<QAction*, kToolButtonCount> m_tools{};
     std::map<QString, QAction*> m_items;

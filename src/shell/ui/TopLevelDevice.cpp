@@ -17,6 +17,7 @@
 #include "device/ui/Settings.h"
 #include "shell/AppDir.h"
 #include "shell/Messages.h"
+#include "shell/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 
 namespace vexo {
@@ -117,18 +118,32 @@ void TopLevel::showAcquisitionTexts() {
     m_panels[static_cast<int>(StatusPanel::Elapsed)]->setText(QString::fromStdString(t.elapsed));
     m_panels[static_cast<int>(StatusPanel::CountRate)]->setText(QString::fromStdString(t.countRate));
     m_panels[static_cast<int>(StatusPanel::Icr)]->setText(QString::fromStdString(t.icr));
-    if (!m_acq->roiReadouts().empty()) {
-        const RoiReadout& r = m_acq->roiReadouts().front();
-        if (r.ok) {
-            m_roiLabels[0]->setText(QString::fromStdString(r.netArea));
-            m_roiLabels[1]->setText(QString::fromStdString(r.netRate));
-        }
-    }
+    showRoiReadout();
     if (m_batch) {
         const BatchPanelTexts b = m_batch->panelTexts();
         m_panels[static_cast<int>(StatusPanel::Batch)]->setText(QString::fromStdString(b.batch));
         m_panels[static_cast<int>(StatusPanel::BatchCounter)]->setText(QString::fromStdString(b.counter));
     }
+}
+
+// The read-out follows the ROI under the cursor, or the first ROI when none holds it.
+void TopLevel::showRoiReadout() {
+    const std::vector<RoiReadout>& readouts = m_acq->roiReadouts();
+    if (readouts.empty()) return;
+    std::size_t pick = 0;
+    const int32_t cursor = m_plot41->cursorChannel();
+    std::size_t i = 0;
+    for (const clsROI& roi : m_doc.rois) {
+        if (i < readouts.size() && roi.lROILCh() <= cursor && cursor <= roi.lROIRCh()) {
+            pick = i;
+            break;
+        }
+        ++i;
+    }
+    if (pick >= readouts.size() || !readouts[pick].ok) return; // the old figures stay
+    const RoiReadout& r = readouts[pick];
+    const std::string texts[4] = {r.netArea, r.integral, r.netRate, r.intRate};
+    for (int k = 0; k < 4; ++k) m_roiLabels[k]->setText(QString::fromStdString(texts[k]));
 }
 
 void TopLevel::connectDevice() {

@@ -44,6 +44,11 @@ private slots:
         QVERIFY(!enabled(w, "tbConnect"));
         QVERIFY(w.refreshTimer().isActive());
 
+        clsROI roi; // an ROI over the Cs-137 line, so the ROI read-out fills in
+        roi.set_vntID("Cs");
+        roi.set_lROILCh(150);
+        roi.set_lROIRCh(400);
+        w.document().rois.add(roi);
         w.action("mnuMCAStart")->trigger();
         QVERIFY(w.acquisition()->bAcqActive());
         QVERIFY(enabled(w, "tbStop"));
@@ -54,6 +59,9 @@ private slots:
         long long total = 0;
         for (int ch = 0; ch < w.document().lChannels; ++ch) total += w.document().lCounts[ch];
         QVERIFY(total > 0);
+        const QStringList info = w.infoTexts();
+        QVERIFY2(info[5].endsWith(" CPS") && info[6].endsWith(" CPS"), qPrintable(info.join("|")));
+        QVERIFY(info[3] != "0.00 keV");
         shoot(w, "main_acquiring");
 
         // MCA settings: a coarse gain chosen and applied comes back from the device.

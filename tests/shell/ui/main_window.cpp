@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -95,6 +96,21 @@ private slots:
         QVERIFY(!w.action("tbZoom")->isChecked());
         w.zoomOut(); // not zoomed: nothing happens
         QCOMPARE(w.DataPlot41()->xMax(), 1023);
+        // A range dragged out on the overview with the mouse is what Zoom in shows.
+        SpectrumPlot* overview = w.DataPlot42();
+        const int y = overview->axisRect()->center().y();
+        const int x0 = static_cast<int>(overview->xAxis->coordToPixel(400));
+        const int x1 = static_cast<int>(overview->xAxis->coordToPixel(600));
+        QTest::mousePress(overview, Qt::LeftButton, {}, QPoint(x0, y));
+        QMouseEvent move(QEvent::MouseMove, QPointF(x1, y), overview->mapToGlobal(QPointF(x1, y)),
+                         Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(overview, &move);
+        QTest::mouseRelease(overview, Qt::LeftButton, {}, QPoint(x1, y));
+        const SpectrumPlot::MarkedRange mark = overview->markedRange();
+        QVERIFY(std::abs(mark.first - 400) <= 3 && std::abs(mark.last - 600) <= 3);
+        w.action("mnuViewZoomIn")->trigger();
+        QCOMPARE(w.DataPlot41()->xMin(), mark.first);
+        QCOMPARE(w.DataPlot41()->xMax(), mark.last);
     }
 
     void cursorReadoutAndEnergyAxis() {

@@ -13,8 +13,8 @@ namespace {
 
 using test::TempDir;
 
-clsNuclide Line(const char* name, int16_t z, float energy, const char* radCode, float hl,
-                float dhl, int unit, float den, float intensity, float dint) {
+clsNuclide Line(const char* name, int16_t z, float energy, const char* radCode, float hl, float dhl,
+                int unit, float den, float intensity, float dint) {
     clsNuclide n;
     n.szElemName = name;
     n.nAtNum = z;
@@ -45,9 +45,9 @@ TEST(VerifyNuclideLibrary, NumbersAsShortestTextWithoutSignedZero) {
     const struct {
         float value;
         const char* text;
-    } cases[] = {{1173.2f, "1173.2"}, {661.657f, "661.657"}, {100.0f, "100"},
-                 {0.0f, "0"},         {-0.0f, "0"},          {0.1f, "0.1"},
-                 {0.00012f, "0.00012"}, {0.005f, "0.005"}, {1e-5f, "1e-05"}};
+    } cases[] = {{1173.2f, "1173.2"},   {661.657f, "661.657"}, {100.0f, "100"},
+                 {0.0f, "0"},           {-0.0f, "0"},          {0.1f, "0.1"},
+                 {0.00012f, "0.00012"}, {0.005f, "0.005"},     {1e-5f, "1e-05"}};
     for (const auto& c : cases)
         EXPECT_EQ(LibraryNumberText(c.value), c.text) << c.text;
 }

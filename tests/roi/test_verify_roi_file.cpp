@@ -50,27 +50,26 @@ TEST(VerifyRoiFile, WrittenFileByteForByte) {
 
     TempDir dir;
     ASSERT_TRUE(WriteRoiFile(dir / "r.roi", rois));
-    const std::string expected = std::string(kBanner) +
-                                 "[ROI1]\r\n"
-                                 "RoiID=Cs 137\r\n"
-                                 "RoiNoInPlot=0\r\n"
-                                 "RoiNoInCol=1\r\n"
-                                 "RoiColor=65280\r\n"
-                                 "RoiLeftCh=250\r\n"
-                                 "RoiRightCh=290\r\n"
-                                 "RoiLEn=645.50\r\n"
-                                 "RoiREn=678.13\r\n"
-                                 "RoiIdNuc=Cs-137\r\n"
-                                 "[ROI2]\r\n"
-                                 "RoiID=\r\n"
-                                 "RoiNoInPlot=3\r\n"
-                                 "RoiNoInCol=2\r\n"
-                                 "RoiColor=255\r\n"
-                                 "RoiLeftCh=1\r\n"
-                                 "RoiRightCh=1\r\n"
-                                 "RoiLEn=0.00\r\n"
-                                 "RoiREn=-2.00\r\n"
-                                 "RoiIdNuc=\r\n";
+    const std::string expected = std::string(kBanner) + "[ROI1]\r\n"
+                                                        "RoiID=Cs 137\r\n"
+                                                        "RoiNoInPlot=0\r\n"
+                                                        "RoiNoInCol=1\r\n"
+                                                        "RoiColor=65280\r\n"
+                                                        "RoiLeftCh=250\r\n"
+                                                        "RoiRightCh=290\r\n"
+                                                        "RoiLEn=645.50\r\n"
+                                                        "RoiREn=678.13\r\n"
+                                                        "RoiIdNuc=Cs-137\r\n"
+                                                        "[ROI2]\r\n"
+                                                        "RoiID=\r\n"
+                                                        "RoiNoInPlot=3\r\n"
+                                                        "RoiNoInCol=2\r\n"
+                                                        "RoiColor=255\r\n"
+                                                        "RoiLeftCh=1\r\n"
+                                                        "RoiRightCh=1\r\n"
+                                                        "RoiLEn=0.00\r\n"
+                                                        "RoiREn=-2.00\r\n"
+                                                        "RoiIdNuc=\r\n";
     EXPECT_EQ(test::ReadBytes(dir / "r.roi"), expected);
 
     RoiFileContents back = ReadRoiFile(dir / "r.roi");

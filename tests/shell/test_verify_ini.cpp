@@ -99,21 +99,23 @@ TEST(VerifyIni, WritesInPlace) {
          "; top comment\r\n[Alpha]\r\n; inner comment\r\n  Key1  =   spaced value   \r\n"
          "Key2=2\r\nKEY1=second\r\n\r\n[Beta]\r\nX=a=b\r\n[alpha]\r\nKey1=other section\r\n"
          "[Gamma]\r\nZ= \r\n"},
-        {"delete key",
-         [](CPrivateINI& i) { i.DeleteKey("Beta", "x"); },
+        {"delete key", [](CPrivateINI& i) { i.DeleteKey("Beta", "x"); },
          "; top comment\r\n[Alpha]\r\n; inner comment\r\n  Key1  =   spaced value   \r\n"
          "Key2=2\r\nKEY1=second\r\n\r\n[Beta]\r\n[alpha]\r\nKey1=other section\r\n"},
-        {"delete section",
-         [](CPrivateINI& i) { i.DeleteSection("Beta"); },
+        {"delete section", [](CPrivateINI& i) { i.DeleteSection("Beta"); },
          "; top comment\r\n[Alpha]\r\n; inner comment\r\n  Key1  =   spaced value   \r\n"
          "Key2=2\r\nKEY1=second\r\n\r\n[alpha]\r\nKey1=other section\r\n"},
         {"section write replaces the section's lines",
-         [](CPrivateINI& i) { i.PutPairs("Beta", {{"P", "1"}, {"Q", "x=y"}}); },
+         [](CPrivateINI& i) {
+             i.PutPairs("Beta", {{"P", "1"}, {"Q", "x=y"}});
+         },
          "; top comment\r\n[Alpha]\r\n; inner comment\r\n  Key1  =   spaced value   \r\n"
          "Key2=2\r\nKEY1=second\r\n\r\n[Beta]\r\nP=1\r\nQ=x=y\r\n[alpha]\r\n"
          "Key1=other section\r\n"},
         {"section write of a new section",
-         [](CPrivateINI& i) { i.PutEntries("New", {"a=1", "b=2"}); },
+         [](CPrivateINI& i) {
+             i.PutEntries("New", {"a=1", "b=2"});
+         },
          "; top comment\r\n[Alpha]\r\n; inner comment\r\n  Key1  =   spaced value   \r\n"
          "Key2=2\r\nKEY1=second\r\n\r\n[Beta]\r\nX=a=b\r\n[alpha]\r\nKey1=other section\r\n"
          "[New]\r\na=1\r\nb=2\r\n"},
@@ -172,7 +174,9 @@ TEST(VerifyIni, Error52WithoutFileName) {
         [&] { ini.GetValue("S", "K", ""); },
         [&] { ini.PutEntries("S", {"a=b"}); },
         [&] { ini.PutLongValue("S", "K", 1); },
-        [&] { ini.PutPairs("S", {{"a", "b"}}); },
+        [&] {
+            ini.PutPairs("S", {{"a", "b"}});
+        },
         [&] { ini.PutValue("S", "K", "V"); },
     };
     for (std::size_t i = 0; i < calls.size(); ++i) {
@@ -334,8 +338,8 @@ TEST(VerifySettings, ReportStylesLoadedAndResolvedBySectionName) {
     const struct {
         const char* name;
         const char* section;
-    } cases[] = {{"Blue", "Blue"}, {"blue", "None"}, {"Blue one", "None"}, {"", ""},
-                 {"None", "None"}};
+    } cases[] = {
+        {"Blue", "Blue"}, {"blue", "None"}, {"Blue one", "None"}, {"", ""}, {"None", "None"}};
     for (const auto& c : cases)
         EXPECT_EQ(ResolveReportStyle(list, c.name).sectionName, c.section) << c.name;
     EXPECT_EQ(ResolveReportStyle(list, "Blue").CS_RowBack, "#0000FF");
@@ -379,10 +383,10 @@ TEST(VerifyTextFile, InvalidUtf8BytesAreTakenAsTheyStand) {
         {"\xED\xA0\x80", "\xED\xA0\x80"},         // surrogate U+D800
         {"\xF4\x90\x80\x80", "\xF4\x90\x80\x80"}, // past U+10FFFF
         {"\xF8\x88\x80\x80\x80", "\xF8\x88\x80\x80\x80"},
-        {"\xC3\xA9", "\xE9"},                     // valid: e acute
-        {"\xE2\x82\xAC", "\x80"},                 // valid: euro sign
-        {"\xF0\x9F\x98\x80", "?"},                // valid, not in the code page
-        {"\xC2\x80", "?"},                        // valid U+0080: no such character
+        {"\xC3\xA9", "\xE9"},      // valid: e acute
+        {"\xE2\x82\xAC", "\x80"},  // valid: euro sign
+        {"\xF0\x9F\x98\x80", "?"}, // valid, not in the code page
+        {"\xC2\x80", "?"},         // valid U+0080: no such character
     };
     for (const auto& c : cases)
         EXPECT_EQ(Utf8ToWin1252(c.utf8), c.win1252);

@@ -59,12 +59,11 @@ std::unique_ptr<SpectrumDocument> TenChannels() {
     doc->plot.sngOffset = 0.1f;
     doc->plot.sngSlope = 2.5f;
     doc->plot.sngQuad = 1e-5f;
-    doc->plot.rois = {{1, 3, 255, true, "Cs 137 peak"},
-                      {4, 6, 65280, false, ""},
-                      {7, 9, 16711680, true, "X"}};
+    doc->plot.rois = {
+        {1, 3, 255, true, "Cs 137 peak"}, {4, 6, 65280, false, ""}, {7, 9, 16711680, true, "X"}};
     doc->lChannels = 10;
-    const int32_t counts[16] = {0, 57, -3, 100000, 2147483647, -2147483647 - 1, 1, 2,
-                                3, 4,  7,  8,      9,          10,              11, 12};
+    const int32_t counts[16] = {0, 57, -3, 100000, 2147483647, -2147483647 - 1, 1, 2, 3, 4, 7,
+                                8, 9,  10, 11,     12};
     for (int i = 0; i < 16; ++i)
         doc->lCounts[i] = counts[i];
     return doc;
@@ -86,16 +85,14 @@ TEST(VerifySpectrumWriter, TenChannelsWithThreeRoisByteForByte) {
         "MCS\r\n"
         "1.234568E+07\r\n" +
         Zones({" 2 ", " 3071 ", " 1 "}) + Zones({"-5 ", " 0 ", " 1023 "}) +
-        Zones({" 24 ", " 8 ", " 2500 "}) + Zones({" 1 ", " 0 "}) +
-        "$SPEC_CAL:\r\n" + Zones({"0.1", "2.5", "1E-05"}) +
+        Zones({" 24 ", " 8 ", " 2500 "}) + Zones({" 1 ", " 0 "}) + "$SPEC_CAL:\r\n" +
+        Zones({"0.1", "2.5", "1E-05"}) +
         "$MCA_CAL:\r\n"
         "3\r\n" +
-        Zones({"0.1", "2.5", "1E-05"}) +
-        "$ROI:\r\n" +
+        Zones({"0.1", "2.5", "1E-05"}) + "$ROI:\r\n" +
         Zones({" 1 ", " 3 ", " 255 ", " 1 ", "Cs 137 peak"}) +
         Zones({" 4 ", " 6 ", " 65280 ", " 0 ", ""}) +
-        Zones({" 7 ", " 9 ", " 16711680 ", " 1 ", "X"}) +
-        "$DATA:\r\n" + Zones({" 0 ", " 9 "}) +
+        Zones({" 7 ", " 9 ", " 16711680 ", " 1 ", "X"}) + "$DATA:\r\n" + Zones({" 0 ", " 9 "}) +
         Zones({" 0 ", " 57 ", "-3 ", " 100000 ", " 2147483647 ", "-2147483648 ", " 1 ", " 2 "}) +
         Zones({" 3 ", " 4 ", " 7 ", " 8 ", " 9 ", " 10 ", " 11 ", " 12 "});
     // One line counted by hand: the empty ROI name still gets its zone.
@@ -112,10 +109,10 @@ TEST(VerifySpectrumWriter, ThirtyTwoBitFloatTexts) {
     const struct {
         float value;
         const char* text;
-    } cases[] = {{0.1f, "0.1"},          {1e-5f, "1E-05"},        {12345678.0f, "1.234568E+07"},
-                 {600.0f, "600"},        {0.5f, "0.5"},           {1.234568e-5f, "1.234568E-05"},
-                 {-1.5f, "-1.5"},        {0.0f, "0"},             {1234567.0f, "1234567"},
-                 {0.0001f, "0.0001"},    {123.456f, "123.456"},   {-0.0f, "0"}};
+    } cases[] = {{0.1f, "0.1"},       {1e-5f, "1E-05"},      {12345678.0f, "1.234568E+07"},
+                 {600.0f, "600"},     {0.5f, "0.5"},         {1.234568e-5f, "1.234568E-05"},
+                 {-1.5f, "-1.5"},     {0.0f, "0"},           {1234567.0f, "1234567"},
+                 {0.0001f, "0.0001"}, {123.456f, "123.456"}, {-0.0f, "0"}};
     for (const auto& c : cases) {
         auto doc = std::make_unique<SpectrumDocument>();
         doc->sngLiveTime = c.value;
@@ -246,10 +243,10 @@ TEST(VerifySpectrumReader, FirstLineMustStartWithTheIdTag) {
 
 TEST(VerifySpectrumReader, TagsMustMatchExactlyAndOthersAreSkipped) {
     auto doc = Parse("$SPEC_ID:\nid\n"
-                     "$MEAS_TIM: \n1 2\n"     // trailing blank: not a tag
-                     "$meas_tim:\n3 4\n"      // letter case: not a tag
-                     "$UNKNOWN:\n9 9\n"       // unknown: skipped
-                     "$MCA_CAL:\n3\n5 6 7\n"  // not read
+                     "$MEAS_TIM: \n1 2\n"          // trailing blank: not a tag
+                     "$meas_tim:\n3 4\n"           // letter case: not a tag
+                     "$UNKNOWN:\n9 9\n"            // unknown: skipped
+                     "$MCA_CAL:\n3\n5 6 7\n"       // not read
                      "$MEAS_TIM:\n10.5\n11.25\n"); // across lines, LF only
     EXPECT_EQ(doc->sngLiveTime, 10.5f);
     EXPECT_EQ(doc->sngRealTime, 11.25f);
@@ -318,8 +315,8 @@ TEST(VerifySpectrumReader, DeviceLineSplitAtBlanks) {
         auto doc = std::make_unique<SpectrumDocument>();
         doc->szDeviceName = "old";
         doc->szDeviceSerial = "oldsn";
-        ASSERT_TRUE(ParseFullSpectrum(
-            *doc, std::string("$SPEC_ID:\r\nx\r\n$DEVICE_ID:\r\n") + c.line + "\r\n"));
+        ASSERT_TRUE(ParseFullSpectrum(*doc, std::string("$SPEC_ID:\r\nx\r\n$DEVICE_ID:\r\n") +
+                                                c.line + "\r\n"));
         EXPECT_EQ(doc->szDeviceName, c.name) << c.line;
         EXPECT_EQ(doc->szDeviceSerial, c.serial) << c.line;
     }
@@ -445,8 +442,8 @@ TEST(VerifySpectrumOpen, RealFilesFromOtherPrograms) {
         int rois;
         const char* date; // "" when not read
     } cases[] = {
-        {"becquerel_1110C_NAA_cave_background_May2017.spe", true, 16384, 1052900, 437817, 437903,
-         4, "2017-04-26T11:05:11"},
+        {"becquerel_1110C_NAA_cave_background_May2017.spe", true, 16384, 1052900, 437817, 437903, 4,
+         "2017-04-26T11:05:11"},
         {"becquerel_SGM102432_D3S_CsI_Ba133_Cs137.spe", true, 4094, 166239, 300, 300, 0,
          "2018-07-11T00:00:00"},
         {"becquerel_nai_detector.spe", true, 1001, 398163, 3600, 3600, 0, "2018-03-26T00:00:00"},

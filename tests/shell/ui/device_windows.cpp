@@ -19,6 +19,7 @@
 #include "device/ui/Scope.h"
 #include "device/ui/Settings.h"
 #include "device/ui/frmBatch.h"
+#include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
 #include "shell/ui/TopLevel.h"
 
@@ -161,12 +162,27 @@ private slots:
         pickFirstDeviceSoon();
         w.connectDevice();
         QVERIFY(w.document().hDevice != 0);
+        // Device information shows the identity read at connection.
+        QString shownName;
+        QTimer::singleShot(0, [&shownName] {
+            auto* info = qobject_cast<frmDeviceInfo*>(QApplication::activeModalWidget());
+            if (!info) return;
+            for (QLabel* l : info->findChildren<QLabel*>())
+                if (l->text() == "KORV MCA-10") shownName = l->text();
+            info->accept();
+        });
+        w.action("mnuFileDevInfo")->trigger();
+        QCOMPARE(shownName, QString("KORV MCA-10"));
         m_messages.clear();
         w.dispatchToolButton("tbConnect");
         QCOMPARE(m_messages.shown().size(), std::size_t(1));
         QCOMPARE(m_messages.shown()[0].text, std::string("Already connected"));
         w.close();
         QCOMPARE(w.document().hDevice, 0); // shut-down closes the device
+        m_messages.clear();
+        w.showDeviceInfo(); // not connected any more
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text, std::string("Not connected"));
     }
 
     void emptyDeviceListRefusesOpen() {

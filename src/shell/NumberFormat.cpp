@@ -168,8 +168,10 @@ std::string DoubleToText(double value) {
 }
 
 std::string ShortestSingleText(float value) {
+    // General form: fixed notation down to 1e-4 ("0.0005", easier to read in a file a
+    // person edits), exponent form only below that or for very large values.
     char buf[32];
-    auto res = std::to_chars(buf, buf + sizeof buf, value);
+    auto res = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::general);
     return std::string(buf, res.ptr);
 }
 

@@ -30,8 +30,8 @@ std::string SingleToText(float value);
 // A 64-bit float in the general form with at most fifteen significant digits.
 std::string DoubleToText(double value);
 
-// The shortest decimal text that reads back as the same 32-bit float
-// (1173.2f -> "1173.2", 661.66f -> "661.66").
+// The shortest decimal text that reads back as the same 32-bit float, in the general
+// form (1173.2f -> "1173.2", 661.66f -> "661.66", 0.0008f -> "0.0008", 1e-5f -> "1e-05").
 std::string ShortestSingleText(float value);
 
 // A 32-bit integer as a spectrum-file item: a blank (or "-") in place of the sign and

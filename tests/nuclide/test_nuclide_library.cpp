@@ -97,7 +97,7 @@ TEST(NuclideLibrary, WriterProducesTheKeysInOrder) {
                                "[Co-6027:1173.23:G]\r\n"
                                "NucName=Co-60\r\nAtNo=27\r\nNucTypes=TYPE\r\n"
                                "NucDecayMode=DECAYMODE\r\nNucDecayBranch=0.0\r\n"
-                               "HL=5.2711\r\nDHL=8e-04\r\nHLUnits= years\r\n"
+                               "HL=5.2711\r\nDHL=0.0008\r\nHLUnits= years\r\n"
                                "En=1173.228\r\nDEn=0.003\r\nInt=99.85\r\nDInt=0.03\r\n"
                                "RadID=G\r\n");
 }

@@ -99,3 +99,10 @@ TEST(TextFile, CodePageRoundTripAndLineSplitting) {
     EXPECT_EQ(lines[3], "");
     EXPECT_EQ(lines[4], "d");
 }
+
+TEST(ShortestSingleText, FixedDownToOneTenThousandth) {
+    EXPECT_EQ(ShortestSingleText(0.0008f), "0.0008");
+    EXPECT_EQ(ShortestSingleText(0.0001f), "0.0001");
+    EXPECT_EQ(ShortestSingleText(1e-5f), "1e-05");
+    EXPECT_EQ(ShortestSingleText(0.0f), "0");
+}

@@ -221,6 +221,10 @@ void MeasureSession::applySettings() {
             doc.sngPresetTime = p->seconds;
             break;
         case PresetChoice::Kind::Counts:
+            // Older analysers know only the time preset of their legacy word: a counts
+            // preset would never end the measurement.
+            if ((doc.lCapabilities & kCapPresetMode) == 0)
+                throw Failure{"this analyser has no counts preset; use live:S or real:S"};
             doc.lPresetMode = kPresetCountsActive;
             doc.lPresetCounts = p->counts;
             doc.lPresetFirstCh = p->first;

@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/wait.h>
+
 #include "TestSupport.h"
 #include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
@@ -557,4 +559,67 @@ TEST(VerifyTexts, ProcessingPlaceholders) {
     // Placeholders match case-sensitively.
     p.szFileName = "x%t";
     EXPECT_EQ(PlanProcessing(p, "/opt/vexo", at).fileName, "x%t.spe");
+}
+
+// ---------------------------------------------------------------------------------------
+// The command-line tool on the simulated analyser.
+
+namespace {
+
+int RunCli(const fs::path& dir, const std::string& config, const std::string& args,
+           std::string* err = nullptr) {
+    WriteBytes(dir / "sim.ini", "[Simulator]\nSeed=5\nClock=step\nStepSeconds=0.5\nSettingsDir=" +
+                                    (dir / "settings").string() + "\n\n" + config);
+    const std::string cmd = "VEXO_TICK_MS=0 VEXO_SIM_CONFIG='" + (dir / "sim.ini").string() +
+                            "' VEXO_DEVICE_LIBRARY='" + SimulatorPath().string() + "' timeout 60 '" +
+                            (BinDir() / "vexo-cli").string() + "' " + args + " >'" +
+                            (dir / "out.txt").string() + "' 2>'" + (dir / "err.txt").string() + "'";
+    const int status = std::system(cmd.c_str());
+    if (err)
+        *err = vexo::test::ReadBytes(dir / "err.txt");
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+} // namespace
+
+TEST(VerifyCli, CountsPresetOnAnAnalyserWithoutOneIsRefusedInsteadOfRunningForever) {
+    TempDir dir;
+    std::string err;
+    const int rc = RunCli(dir.path(), Model06(),
+                          "acquire --device HID:KORV-06-003 --preset counts:1000:0:1023 --out '" +
+                              (dir / "k.spe").string() + "'",
+                          &err);
+    EXPECT_EQ(rc, 1) << err;
+    EXPECT_NE(err.find("no counts preset"), std::string::npos) << err;
+    EXPECT_FALSE(fs::exists(dir / "k.spe"));
+    // The time presets of its legacy word work.
+    EXPECT_EQ(RunCli(dir.path(), Model06(),
+                     "acquire --device HID:KORV-06-003 --preset live:3 --out '" +
+                         (dir / "t.spe").string() + "'",
+                     &err),
+              0)
+        << err;
+    EXPECT_TRUE(fs::exists(dir / "t.spe"));
+}
+
+TEST(VerifyCli, BatchNamesFilesFromEveryChoice) {
+    TempDir dir;
+    fs::create_directories(dir / "out");
+    std::string err;
+    const int rc = RunCli(dir.path(), Model10(),
+                          "batch --device USB:KORV-10-001 --preset real:1 --count 2 --clear "
+                          "--sample-id S17 --tag lab --dir '" + (dir / "out").string() + "/'",
+                          &err);
+    ASSERT_EQ(rc, 0) << err;
+    EXPECT_TRUE(fs::exists(dir / "out" / "S17_lab_0001.SPE"));
+    EXPECT_TRUE(fs::exists(dir / "out" / "S17_lab_0002.SPE"));
+    const std::string out = vexo::test::ReadBytes(dir / "out.txt");
+    EXPECT_EQ(out.find("//"), std::string::npos) << out; // no second separator
+    // The batch window's messages for a missing folder.
+    EXPECT_EQ(RunCli(dir.path(), Model10(),
+                     "batch --device USB:KORV-10-001 --preset real:1 --count 2 --dir '" +
+                         (dir / "nowhere").string() + "'",
+                     &err),
+              2);
+    EXPECT_NE(err.find("Sub-directory not found"), std::string::npos) << err;
 }

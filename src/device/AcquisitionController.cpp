@@ -93,9 +93,11 @@ void AcquisitionController::clear() {
     // The status poll below sees the stopped device; whether to restart is decided by
     // the state before clearing.
     const bool wasRunning = m_bAcqActive;
-    int32_t rc = m_lib.stopAcquisition(m_doc.hDevice);
-    if (rc == 0)
-        rc = m_lib.clearAll(m_doc.hDevice);
+    // Both calls are made whatever the first answers: a device that refuses to stop
+    // (already stopped on some firmware) still has its memory cleared.
+    const int32_t stopRc = m_lib.stopAcquisition(m_doc.hDevice);
+    const int32_t clearRc = m_lib.clearAll(m_doc.hDevice);
+    int32_t rc = stopRc != 0 ? stopRc : clearRc;
     if (rc != 0)
         m_messages.critical(ErrorText(rc));
     m_bCleared = true;

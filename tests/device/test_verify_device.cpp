@@ -311,6 +311,7 @@ TEST_F(Recorded, ClearStopsClearsShowsAndRestartsARunningAcquisition) {
         EXPECT_NE(op, "StartAcquisition");
     EXPECT_FALSE(acq.bAcqActive());
     EXPECT_TRUE(acq.bCleared());
+    EXPECT_TRUE(m_messages.shown().empty());
 }
 
 TEST_F(Recorded, ScopeCycleSelectsPollsReadsAndRearms) {

@@ -212,4 +212,13 @@ void SaveFormLocation(const FormLocation& location, const std::filesystem::path&
     ini.putInteger("FORM", "State", location.State);
 }
 
+bool OfferShippedNuclideLibrary(AppSettings& settings, const std::filesystem::path& programDir) {
+    std::error_code ec;
+    const auto shipped = programDir / "Vexo.nli";
+    if (programDir.empty() || !std::filesystem::is_regular_file(shipped, ec))
+        return false;
+    settings.DefNucLib = shipped.string();
+    return true;
+}
+
 } // namespace vexo

@@ -101,6 +101,12 @@ std::filesystem::path SettingsFilePath(const std::filesystem::path& appDir);
 // keep their new values. Nothing is reported in either case.
 bool LoadSettings(AppSettings& settings, const std::filesystem::path& appDir, Messages& messages);
 
+// On a first start (no "Vexo.ini" yet, so LoadSettings returned false) the nuclide
+// library shipped beside the program, "Vexo.nli" in `programDir`, becomes the default
+// library when it is there, so the calibration lists work out of the box. Returns whether
+// it did. An existing settings file keeps whatever it says, "None" included.
+bool OfferShippedNuclideLibrary(AppSettings& settings, const std::filesystem::path& programDir);
+
 // Writes the record, creating "Vexo.ini" first when it is missing. With `batchOnly` only
 // BATCH "BatchDataDir" is written; otherwise every key of PROGRAM, DISPLAY, REPORT and
 // PROCESS (plus "SpctLabelColor" and "SpctRefColor", which carry the scale and graph

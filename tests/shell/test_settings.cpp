@@ -333,3 +333,16 @@ TEST_F(SettingsTest, FormSectionSurvivesFullSave) {
     LoadFormLocation(back, m_dir.path(), 1920, 1080);
     EXPECT_EQ(back, (FormLocation{true, 1, 2, 3, 4, 0}));
 }
+
+TEST(ShippedNuclideLibrary, OfferedOnlyWhenTheProgramFolderHoldsIt) {
+    TempDir dir;
+    AppSettings settings;
+    EXPECT_FALSE(OfferShippedNuclideLibrary(settings, dir.path()));
+    EXPECT_EQ(settings.DefNucLib, "None");
+    WriteBytes(dir / "Vexo.nli", "[Info]\r\nFileID=Vexo Nuclide Library\r\n");
+    EXPECT_TRUE(OfferShippedNuclideLibrary(settings, dir.path()));
+    EXPECT_EQ(settings.DefNucLib, (dir / "Vexo.nli").string());
+    AppSettings untouched;
+    EXPECT_FALSE(OfferShippedNuclideLibrary(untouched, {}));
+    EXPECT_EQ(untouched.DefNucLib, "None");
+}

@@ -62,7 +62,8 @@ void TopLevel::startUp() {
     std::error_code ec;
     std::filesystem::current_path(m_appDir, ec);
     if (ec) m_messages->critical("Cannot change to the program folder " + m_appDir.string() + ": " + ec.message());
-    LoadSettings(m_settings, m_appDir, *m_messages);
+    if (!LoadSettings(m_settings, m_appDir, *m_messages))
+        OfferShippedNuclideLibrary(m_settings, ExecutableDir());
     m_doc.resetCalibration();
     restorePlacement();
 

@@ -1,5 +1,7 @@
 #include "shell/TextFile.h"
 
+#include "shell/FileBytes.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -112,36 +114,14 @@ std::vector<std::string> SplitLines(std::string_view text) {
 }
 
 std::optional<std::string> ReadTextFile(const std::filesystem::path& path, std::size_t maxBytes) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
+    FileBytes file = ReadFileBytes(path, maxBytes);
+    if (!file.ok)
         return std::nullopt;
-    std::string bytes;
-    char buf[65536];
-    while (bytes.size() < maxBytes) {
-        in.read(buf, static_cast<std::streamsize>(std::min(sizeof buf, maxBytes - bytes.size())));
-        bytes.append(buf, static_cast<std::size_t>(in.gcount()));
-        if (in.gcount() == 0)
-            break;
-    }
-    if (in.bad())
-        return std::nullopt;
-    return Win1252ToUtf8(bytes);
+    return Win1252ToUtf8(file.bytes);
 }
 
 bool TextFileWriter::save(const std::filesystem::path& path, std::string* error) const {
-    std::string bytes = Utf8ToWin1252(m_text);
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) {
-        if (error)
-            *error = std::strerror(errno);
-        return false;
-    }
-    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-    int savedErrno = errno;
-    ok = (std::fclose(f) == 0) && ok;
-    if (!ok && error)
-        *error = std::strerror(savedErrno ? savedErrno : EIO);
-    return ok;
+    return WriteFileBytes(path, Utf8ToWin1252(m_text), error);
 }
 
 } // namespace vexo

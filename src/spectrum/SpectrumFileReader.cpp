@@ -7,7 +7,7 @@
 #include "shell/TextFile.h"
 #include "shell/VexoError.h"
 #include "spectrum/FieldReader.h"
-#include "spectrum/FileBytes.h"
+#include "shell/FileBytes.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo {

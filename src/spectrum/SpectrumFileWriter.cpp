@@ -4,7 +4,7 @@
 #include "shell/FieldLine.h"
 #include "shell/TextFile.h"
 #include "shell/VexoError.h"
-#include "spectrum/FileBytes.h"
+#include "shell/FileBytes.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo {

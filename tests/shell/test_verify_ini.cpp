@@ -191,75 +191,8 @@ TEST(VerifyIni, Error52WithoutFileName) {
 
 // --- Settings file ----------------------------------------------------------------------
 
-const char* const kDefaultSave = "[PROGRAM]\r\n"
-                                 "RoiFollowUp=-1\r\n"
-                                 "DefNucLib=None\r\n"
-                                 "OpenLastDetectorUsed=0\r\n"
-                                 "ApplyHV=0\r\n"
-                                 "DetectorPath= \r\n"
-                                 "[DISPLAY]\r\n"
-                                 "SpctBackColor=16777215\r\n"
-                                 "SpctForeColor=12632256\r\n"
-                                 "SpctLabelColor=12648447\r\n"
-                                 "SpctRefColor=12632256\r\n"
-                                 "SpctCurColor=0\r\n"
-                                 "SpctScaleColor=12648447\r\n"
-                                 "SpctFilled=-1\r\n"
-                                 "SpctShowGrid=-1\r\n"
-                                 "SpctGraphType=2\r\n"
-                                 "SpctScaleMode=1\r\n"
-                                 "RoiOneColor=-1\r\n"
-                                 "RoiBaseColor=255\r\n"
-                                 "RoiColorNo1=255\r\n"
-                                 "RoiColorNo2=12632064\r\n"
-                                 "RoiColorNo3=49184\r\n"
-                                 "RoiColorNo4=8454143\r\n"
-                                 "RoiColorNo5=8388800\r\n"
-                                 "RoiColorNo6=32896\r\n"
-                                 "RoiColorNo7=12632256\r\n"
-                                 "RoiColorNo8=6605000\r\n"
-                                 "[REPORT]\r\n"
-                                 "HardwareSect=-1\r\n"
-                                 "DataAcqSect=-1\r\n"
-                                 "CalibrationSect=-1\r\n"
-                                 "ROISect=-1\r\n"
-                                 "PlotSect=-1\r\n"
-                                 "SpctSect=-1\r\n"
-                                 "RepStyle=None\r\n"
-                                 "[PROCESS]\r\n"
-                                 "EnableExtProcessing=0\r\n"
-                                 "DataDir= \r\n"
-                                 "FileName= \r\n"
-                                 "Program= \r\n"
-                                 "StartupDir= \r\n"
-                                 "Arguments= \r\n";
-
-TEST(VerifySettings, FullSaveOfDefaultsOnAFreshFile) {
-    TempDir dir;
-    ScriptedMessages messages;
-    AppSettings s;
-    s.BatchDataDir = "not written";
-    s.DefNucLib = "lib.nli";
-    const AppSettings before = s;
-    EXPECT_FALSE(LoadSettings(s, dir.path(), messages));
-    EXPECT_EQ(s, before); // no file: the record is left as it was
-    s.DefNucLib = "None";
-    EXPECT_TRUE(SaveSettings(s, false, dir.path()));
-    EXPECT_EQ(test::ReadBytes(dir / "Vexo.ini"), kDefaultSave);
-}
-
-TEST(VerifySettings, BatchOnlySave) {
-    TempDir dir;
-    AppSettings s;
-    s.BatchDataDir = "C:\\data";
-    s.DefNucLib = "ignored";
-    EXPECT_TRUE(SaveSettings(s, true, dir.path()));
-    EXPECT_EQ(test::ReadBytes(dir / "Vexo.ini"), "[BATCH]\r\nBatchDataDir=C:\\data\r\n");
-    // A full save afterwards keeps BATCH where it is and adds the rest after it.
-    EXPECT_TRUE(SaveSettings(AppSettings{}, false, dir.path()));
-    EXPECT_EQ(test::ReadBytes(dir / "Vexo.ini"),
-              std::string("[BATCH]\r\nBatchDataDir=C:\\data\r\n") + kDefaultSave);
-}
+// A full save of the defaults and the batch-only save are checked byte for byte with
+// the settings tests.
 
 TEST(VerifySettings, LoadDefaultsAndValues) {
     TempDir dir;

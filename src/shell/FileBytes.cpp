@@ -1,4 +1,4 @@
-#include "spectrum/FileBytes.h"
+#include "shell/FileBytes.h"
 
 #include <cerrno>
 #include <cstdio>

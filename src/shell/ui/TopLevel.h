@@ -78,7 +78,7 @@ public:
     void stopAcquisition();
     void clearAcquisition();
     void showDeviceInfo();
-    void showCalibration(); // Edit > Calibrate: the dialog, modal
+    void showCalibration(); // Edit > Calibrate: the dialog, a non-modal tool window
     void showPreferences(); // Edit > Preferences: saves the settings file on OK
     void toggleScope();     // View > Scope: opens or closes the scope window
     void showBatch();       // MCA > Batch: the batch window, modal

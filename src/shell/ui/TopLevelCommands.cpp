@@ -196,14 +196,22 @@ calib* TopLevel::calibDialog() {
         hooks.setCursor = [this](int32_t ch) { SetCursor(ch); };
         hooks.applyCalibration = [this] { Calibrate(); };
         m_calib = new calib(m_doc, m_settings.DefNucLib, *m_messages, hooks, this);
+        // A tool window over this one, not modal: the plot stays clickable and hands the
+        // clicked channel to the row being filled.
+        m_calib->setWindowFlag(Qt::Tool);
+        m_calib->setModal(false);
+        // A closed dialog is unloaded; the next one starts afresh.
+        connect(m_calib, &QDialog::finished, m_calib, &QObject::deleteLater);
     }
     return m_calib;
 }
 
+// Only one dialog at a time: a second Calibrate brings the open one to the front.
 void TopLevel::showCalibration() {
     calib* dialog = calibDialog();
-    dialog->exec();
-    delete dialog; // a closed dialog is unloaded; the next one starts afresh
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
 }
 
 void TopLevel::showPreferences() {

@@ -3,6 +3,8 @@
 // the origin, a line or a parabola. Channels are typed or handed in from the plot
 // (SetChannel, into the row whose channel box last had the focus); energies are typed
 // or picked from the default nuclide library's lines.
+// The main window shows it as a tool window, not modal, so the plot keeps taking clicks
+// while it is open.
 #include <QDialog>
 #include <array>
 #include <filesystem>

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPointer>
+#include <cmath>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -22,6 +24,17 @@ using namespace vexo;
 
 class MainWindowTest : public QObject, public UiFixture {
     Q_OBJECT
+
+    // A left click on the main plot at `channel`, through the plot's own conversion.
+    static void clickPlotAt(SpectrumPlot* plot, int channel) {
+        const int x = static_cast<int>(std::lround(plot->xAxis->coordToPixel(channel)));
+        QTest::mouseClick(plot, Qt::LeftButton, {}, QPoint(x, plot->axisRect()->center().y()));
+    }
+    // What a click into a row's channel box does to the dialog: the box gets the focus.
+    static void focusRow(calib& dialog, int row) {
+        QFocusEvent in(QEvent::FocusIn, Qt::MouseFocusReason);
+        QApplication::sendEvent(dialog.txtCh(row), &in);
+    }
 
 private slots:
     void initTestCase() { QVERIFY(setUp()); }
@@ -164,54 +177,68 @@ private slots:
         QVERIFY(!w.existingCalibDialog()->isVisible());
         QCOMPARE(w.existingCalibDialog()->txtCh(0)->text(), QString::number(clicked));
 
-        m_messages.queueAnswer(MsgAnswer::Ok); // the missing nuclide library
-        m_messages.queueAnswer(MsgAnswer::Yes);
-        QTimer::singleShot(0, [] {
-            auto* dialog = qobject_cast<calib*>(QApplication::activeModalWidget());
-            if (!dialog) return;
-            dialog->txtCh(0)->setText("100");
-            dialog->cmbEn(0)->setEditText("661.66");
-            dialog->cmdOk();
-            if (dialog->isVisible()) dialog->reject(); // never leave the test hanging
-        });
         w.action("mnuEditCalibrate")->trigger();
+        QPointer<calib> dialog = w.existingCalibDialog();
+        QVERIFY(dialog && dialog->isVisible());
+        QVERIFY(!dialog->isModal());
+        QVERIFY(dialog->windowFlags().testFlag(Qt::Tool));
+        QCOMPARE(dialog->parentWidget(), static_cast<QWidget*>(&w));
+        QVERIFY(!QApplication::activeModalWidget());
+        // While the dialog is open the plot stays clickable; the clicked channel lands in
+        // the active row, first A, then B once its box has the focus.
+        clickPlotAt(plot, 120);
+        const int first = plot->cursorChannel();
+        QVERIFY(std::abs(first - 120) <= 1);
+        QCOMPARE(dialog->txtCh(0)->text(), QString::number(first));
+        focusRow(*dialog, 1);
+        QCOMPARE(dialog->activeRow(), 1);
+        clickPlotAt(plot, 300);
+        const int second = plot->cursorChannel();
+        QVERIFY(std::abs(second - 300) <= 1);
+        QCOMPARE(dialog->txtCh(1)->text(), QString::number(second));
+        QCOMPARE(dialog->txtCh(0)->text(), QString::number(first)); // row A kept its channel
+        // A second Calibrate brings up the same dialog.
+        w.showCalibration();
+        QCOMPARE(w.existingCalibDialog(), dialog.data());
+        dialog->cmbEn(0)->setEditText(QString::number(2 * first));
+        dialog->cmbEn(1)->setEditText(QString::number(2 * second));
+        m_messages.clear(); // opening may have said that the nuclide library is missing
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        dialog->cmdOk();
+        QTRY_VERIFY(!dialog); // accepted: closed and unloaded
         QVERIFY(!w.existingCalibDialog()); // unloaded after closing
         const auto& shown = m_messages.shown();
-        QCOMPARE(shown.size(), std::size_t(2));
-        QCOMPARE(shown[0].title, std::string("Load Nuclide info")); // DefNucLib is "None"
-        QCOMPARE(shown[0].text, std::string("Could not load nuclide library information"));
-        QCOMPARE(shown[1].title, std::string("Energy calibration results"));
-        QCOMPARE(shown[1].text, std::string("Energy calibration successfully done.\r\n"
-                                            "Offset = 0.0000 keV\r\nSlope = 6.6166 keV/chn\r\n"
+        QCOMPARE(shown.size(), std::size_t(1));
+        QCOMPARE(shown[0].title, std::string("Energy calibration results"));
+        QCOMPARE(shown[0].text, std::string("Energy calibration successfully done.\r\n"
+                                            "Offset = 0.0000 keV\r\nSlope = 2.0000 keV/chn\r\n"
                                             "Quadratic = 0.0000 keV/chn^2\r\nAccept this calibration?"));
         QVERIFY(w.document().calibration.bCalibrated);
-        QCOMPARE(w.document().calibration.dSlope, 6.6166);
+        QCOMPARE(w.document().calibration.dSlope, 2.0);
         QCOMPARE(w.xUnit(), XUnit::Energy);
-        QCOMPARE(w.document().plot.sngSlope, 6.6166f);
+        QCOMPARE(w.document().plot.sngSlope, 2.0f);
     }
 
     void calibrationAnsweredNoStaysOpen() {
         TopLevel w(dir(), &m_messages);
-        bool stayed = false;
-        m_messages.queueAnswer(MsgAnswer::Ok);
-        m_messages.queueAnswer(MsgAnswer::No);
-        QTimer::singleShot(0, [&stayed] {
-            auto* dialog = qobject_cast<calib*>(QApplication::activeModalWidget());
-            if (!dialog) return;
-            dialog->txtCh(0)->setText("400");
-            dialog->cmbEn(0)->setEditText("661.7");
-            dialog->txtCh(2)->setText("800");
-            dialog->cmbEn(2)->setEditText("1332.5");
-            dialog->cmdOk();
-            stayed = dialog->isVisible();
-            const QString result = dialog->resultText();
-            dialog->reject();
-            QCOMPARE(result, QString("-9.100 1.677 0.000"));
-        });
+        w.show();
         w.showCalibration();
-        QVERIFY(stayed);
+        QPointer<calib> dialog = w.existingCalibDialog();
+        QVERIFY(dialog);
+        dialog->txtCh(0)->setText("400");
+        dialog->cmbEn(0)->setEditText("661.7");
+        dialog->txtCh(2)->setText("800");
+        dialog->cmbEn(2)->setEditText("1332.5");
+        m_messages.queueAnswer(MsgAnswer::No);
+        dialog->cmdOk();
+        QTest::qWait(20);
+        QVERIFY(dialog && dialog->isVisible()); // No: the dialog stays
+        QCOMPARE(dialog->resultText(), QString("-9.100 1.677 0.000"));
         QVERIFY(!w.document().calibration.bCalibrated);
         QCOMPARE(w.document().calibration.dSlope, 2.5);
+        dialog->reject();
+        QTRY_VERIFY(!dialog);
+        QVERIFY(!w.document().calibration.bCalibrated);
     }
 
     void preferencesOkSavesAndApplies() {

@@ -17,6 +17,7 @@
 #include "device/SettingsDisplay.h"
 #include "device/ui/frmAdvanced.h"
 #include "shell/Messages.h"
+#include "spectrum/EnergyCalibration.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
@@ -56,6 +57,7 @@ Settings::Settings(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages
     auto* right = new QVBoxLayout;
     right->addWidget(amplifierGroup());
     right->addWidget(voltageGroup());
+    right->addWidget(calibrationGroup());
     columns->addLayout(right);
     auto* buttons = new QHBoxLayout;
     const std::pair<const char*, const char*> names[] = {
@@ -138,8 +140,18 @@ QWidget* Settings::amplifierGroup() {
     form->addRow("Threshold:", m_threshold);
     m_lld = IntBox("txtLLD", 0, MAX_CHANNELS - 1);
     m_uld = IntBox("txtULD", 0, MAX_CHANNELS - 1);
-    form->addRow("LLD (channel):", m_lld);
-    form->addRow("ULD (channel):", m_uld);
+    m_lldEnergy = Named(new QLabel, "lblLLDEnergy");
+    m_uldEnergy = Named(new QLabel, "lblULDEnergy");
+    connect(m_lld, &QSpinBox::valueChanged, this, &Settings::refreshCalibration);
+    connect(m_uld, &QSpinBox::valueChanged, this, &Settings::refreshCalibration);
+    auto* lld = new QHBoxLayout;
+    lld->addWidget(m_lld);
+    lld->addWidget(m_lldEnergy);
+    auto* uld = new QHBoxLayout;
+    uld->addWidget(m_uld);
+    uld->addWidget(m_uldEnergy);
+    form->addRow("LLD (channel):", lld);
+    form->addRow("ULD (channel):", uld);
     m_blr = Named(new QCheckBox("Baseline restorer (BLR)"), "chkBLR");
     m_pur = Named(new QCheckBox("Pile-up rejection (PUR)"), "chkPUR");
     form->addRow(m_blr);
@@ -157,6 +169,36 @@ QWidget* Settings::voltageGroup() {
     m_hvState = Named(new QLabel, "lblHVState");
     form->addRow("State:", m_hvState);
     return group;
+}
+
+// The device's own calibration, carried as 32-bit floats: the boxes show what a float
+// keeps. "From spectrum" copies the spectrum's calibration in, to be written by Apply.
+QWidget* Settings::calibrationGroup() {
+    auto* group = new QGroupBox("Calibration stored in the device");
+    auto* form = new QFormLayout(group);
+    m_calOffset = RealBox("txtCalOffset", -1.0e5, 1.0e5, 4, " keV");
+    m_calSlope = RealBox("txtCalSlope", -1.0e3, 1.0e3, 6, " keV/ch");
+    m_calQuadratic = RealBox("txtCalQuadratic", -1.0, 1.0, 9, " keV/ch²");
+    form->addRow("Offset:", m_calOffset);
+    form->addRow("Slope:", m_calSlope);
+    form->addRow("Quadratic:", m_calQuadratic);
+    auto* copy = Named(new QPushButton("From s&pectrum"), "cmdCalFromSpectrum");
+    connect(copy, &QPushButton::clicked, this, [this] {
+        m_calOffset->setValue(m_doc.calibration.dOffset);
+        m_calSlope->setValue(m_doc.calibration.dSlope);
+        m_calQuadratic->setValue(m_doc.calibration.dQuad);
+    });
+    form->addRow(copy);
+    return group;
+}
+
+void Settings::refreshCalibration() {
+    const EnergyCalibration& cal = m_doc.calibration;
+    const auto energy = [&cal](int32_t ch) {
+        return cal.bCalibrated ? QString("%1 keV").arg(ChannelToEnergy(ch, cal), 0, 'f', 1) : QString();
+    };
+    m_lldEnergy->setText(energy(m_lld->value()));
+    m_uldEnergy->setText(energy(m_uld->value()));
 }
 
 void Settings::showFineFactor() {
@@ -203,6 +245,10 @@ void Settings::refreshControls() {
     m_hv->setMaximum(ClampHighVoltage(1.0e9f, d.sngMaxHV));
     m_hv->setValue(d.sngHighVoltage);
     m_hvOn->setChecked(d.lHVOn != 0);
+    m_calOffset->setValue(d.dDeviceCal[0]);
+    m_calSlope->setValue(d.dDeviceCal[1]);
+    m_calQuadratic->setValue(d.dDeviceCal[2]);
+    refreshCalibration();
     showHVState();
     updateModeControls();
 }
@@ -240,6 +286,7 @@ void Settings::collect() {
     d.lPUR = m_pur->isChecked() ? 1 : 0;
     d.sngHighVoltage = ClampHighVoltage(static_cast<float>(m_hv->value()), d.sngMaxHV);
     d.lHVOn = m_hvOn->isChecked() ? 1 : 0;
+    d.dDeviceCal = {m_calOffset->value(), m_calSlope->value(), m_calQuadratic->value()};
 }
 
 void Settings::cmdApply() {

@@ -1,7 +1,8 @@
 #pragma once
 // The MCA settings window: acquisition mode and channels, presets, amplifier (polarity,
 // gains, shaping, pole/zero, threshold, discriminators, BLR, PUR) and high voltage of
-// the open analyser, shown from the record. Apply writes everything and reads it back;
+// the open analyser, shown from the record, and the energy calibration kept in the
+// device (offset, slope, quadratic term). Apply writes everything and reads it back;
 // Store keeps the device's settings in its permanent memory.
 #include <QWidget>
 #include <functional>
@@ -27,6 +28,9 @@ public:
              std::function<void()> applied, QWidget* parent = nullptr);
 
     void refreshControls(); // record -> controls
+    // Only what follows the spectrum's calibration (the discriminator energies), so that a
+    // new calibration shows here without discarding edits not yet applied.
+    void refreshCalibration();
     void cmdApply();
     void cmdStore();
     void cmdAdvanced();
@@ -36,6 +40,7 @@ private:
     QWidget* acquisitionGroup();
     QWidget* amplifierGroup();
     QWidget* voltageGroup();
+    QWidget* calibrationGroup();
     void collect(); // controls -> record
     void updateModeControls();
     void showFineFactor();
@@ -74,6 +79,11 @@ private:
     QDoubleSpinBox* m_hv = nullptr;
     QCheckBox* m_hvOn = nullptr;
     QLabel* m_hvState = nullptr;
+    QLabel* m_lldEnergy = nullptr;
+    QLabel* m_uldEnergy = nullptr;
+    QDoubleSpinBox* m_calOffset = nullptr;
+    QDoubleSpinBox* m_calSlope = nullptr;
+    QDoubleSpinBox* m_calQuadratic = nullptr;
 };
 
 } // namespace vexo

@@ -16,6 +16,7 @@
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
 #include "device/ScopeController.h"
+#include "device/ui/Settings.h"
 #include "shell/AppDir.h"
 #include "shell/DateTime.h"
 #include "spectrum/CountRate.h"
@@ -218,7 +219,11 @@ void TopLevel::applyXUnit(const AxisSetup& setup) {
     UpdateMenu();
 }
 
-void TopLevel::Calibrate() { applyXUnit(vexo::Calibrate(m_doc)); }
+// An open MCA settings window follows too: its discriminator energies use the calibration.
+void TopLevel::Calibrate() {
+    applyXUnit(vexo::Calibrate(m_doc));
+    if (m_settingsWindow) m_settingsWindow->refreshCalibration();
+}
 
 void TopLevel::SetCursor(int32_t channel) {
     m_plot41->setCursorChannel(channel);

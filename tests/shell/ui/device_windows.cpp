@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QDoubleSpinBox>
+#include <QSpinBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -22,6 +24,7 @@
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
 #include "shell/ui/TopLevel.h"
+#include "spectrum/ui/calib.h"
 
 using namespace vexo;
 
@@ -119,6 +122,63 @@ private slots:
         for (int ch = 0; ch < channels; ++ch) QCOMPARE(w.document().lCounts[ch], counts[ch]);
         QVERIFY2(m_messages.shown().empty(),
                  m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    // The calibration kept in the device: edited in the MCA settings window, written by
+    // Apply, and read back on the next connection.
+    void deviceCalibrationAppliedAndReadBack() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.showMcaSettings();
+        QVERIFY(w.settingsWindow());
+        const auto box = [&w](const char* name) {
+            return qobject_cast<QDoubleSpinBox*>(w.settingsWindow()->control(name));
+        };
+        QVERIFY(box("txtCalOffset") && box("txtCalSlope") && box("txtCalQuadratic"));
+        box("txtCalOffset")->setValue(-3.25);
+        box("txtCalSlope")->setValue(0.7317);
+        box("txtCalQuadratic")->setValue(1.5e-6);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(float(w.document().dDeviceCal[0]), -3.25f);
+        QCOMPARE(float(w.document().dDeviceCal[1]), 0.7317f);
+        QCOMPARE(float(w.document().dDeviceCal[2]), 1.5e-6f);
+        w.settingsWindow()->close();
+        QApplication::processEvents();
+        QVERIFY(!w.settingsWindow());
+
+        // A new connection reads id 25 again: the values come from the device.
+        w.disconnectDevice();
+        w.document().dDeviceCal = {0.0, 0.0, 0.0};
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        QCOMPARE(float(w.document().dDeviceCal[1]), 0.7317f);
+        w.showMcaSettings();
+        QVERIFY(w.settingsWindow());
+        QCOMPARE(box("txtCalOffset")->value(), -3.25);
+        QCOMPARE(box("txtCalSlope")->text(), QString("0.731700 keV/ch"));
+        QCOMPARE(box("txtCalQuadratic")->text(), QString("0.000001500 keV/ch²"));
+
+        // Accepting an energy calibration refreshes the open window's discriminator energies.
+        auto* lld = qobject_cast<QSpinBox*>(w.settingsWindow()->control("txtLLD"));
+        auto* lldEnergy = qobject_cast<QLabel*>(w.settingsWindow()->control("lblLLDEnergy"));
+        lld->setValue(100);
+        const QString before = lldEnergy->text();
+        w.showCalibration();
+        calib* dialog = w.existingCalibDialog();
+        QVERIFY(dialog);
+        dialog->txtCh(0)->setText("100");
+        dialog->cmbEn(0)->setEditText("300");
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        dialog->cmdOk();
+        QVERIFY(w.document().calibration.bCalibrated);
+        QVERIFY(before != "300.0 keV");
+        QCOMPARE(lldEnergy->text(), QString("300.0 keV"));
+        QCOMPARE(lld->value(), 100); // the edit not yet applied is kept
+        w.close();
     }
 
     void batchOfTwoSavesTwoFiles() {

@@ -41,9 +41,12 @@ void TopLevel::createControllers() {
         UpdateInfo();
         showAcquisitionTexts();
     };
+    // The same clean-up as Disconnect: the device windows would talk to a closed handle.
     ah.connectionLost = [this] {
         m_tmrRefresh.stop();
         m_tmrBatchWait.stop();
+        if (m_scopeWindow) m_scopeWindow->close();
+        if (m_settingsWindow) m_settingsWindow->close();
         RefreshMainWindow(0);
     };
     ah.scopeCycle = [this] {

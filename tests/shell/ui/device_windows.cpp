@@ -181,6 +181,58 @@ private slots:
         w.close();
     }
 
+    // The link drops while acquiring: one message, the disconnected state, and a later
+    // Connect (to a device without the fault) works.
+    void lostDeviceDuringAcquisition() {
+        const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
+        const std::filesystem::path faulty = dir() / "KORVHW-drops.ini";
+        std::ofstream(faulty) << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir="
+                              << (dir() / "sim").string()
+                              << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
+                                 "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n"
+                                 "DisconnectAfter=3\n";
+        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(faulty.string()));
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        qputenv("VEXO_SIM_CONFIG", healthy);
+        QVERIFY(w.document().hDevice != 0);
+        w.dispatchToolButton("tbSettings");
+        w.action("mnuViewScope")->trigger();
+        QVERIFY(w.settingsWindow() && w.scopeWindow());
+        w.startAcquisition();
+        QVERIFY(w.acquisition()->bAcqActive());
+        for (int i = 0; i < 20; ++i) w.acquisition()->tick(); // well past 3 simulated seconds
+        QApplication::processEvents();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text, std::string("Lost the connection to the MCA: Connection closed"));
+        QCOMPARE(w.document().hDevice, 0);
+        QVERIFY(!w.acquisition()->bAcqActive());
+        QVERIFY(!w.refreshTimer().isActive());
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
+        QVERIFY(enabled(w, "tbConnect"));
+        QVERIFY(!enabled(w, "tbDisconnect"));
+        QVERIFY(!enabled(w, "tbStart"));
+        QVERIFY(!enabled(w, "tbStop"));
+        QVERIFY(!w.settingsWindow()); // the device windows closed with the device
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
+
+        // Connect again, to the configuration without the fault.
+        pickFirstDeviceSoon();
+        w.dispatchToolButton("tbConnect");
+        QVERIFY(w.document().hDevice != 0);
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Connected to KORV MCA-10 S/N 10230417"));
+        QVERIFY(enabled(w, "tbStart"));
+        QVERIFY(w.refreshTimer().isActive());
+        w.startAcquisition();
+        for (int i = 0; i < 10; ++i) w.acquisition()->tick();
+        QVERIFY(w.acquisition()->bAcqActive());
+        QCOMPARE(m_messages.shown().size(), std::size_t(1)); // nothing more to report
+        w.close();
+    }
+
     void batchOfTwoSavesTwoFiles() {
         TopLevel w(dir(), &m_messages);
         pickFirstDeviceSoon();

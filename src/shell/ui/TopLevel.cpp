@@ -161,7 +161,7 @@ void TopLevel::applyUpdate(const MainWindowUpdate& u) {
         if (b.visible) a->setVisible(*b.visible);
     }
     for (const PanelText& p : u.panels)
-        m_panels[static_cast<int>(p.panel)]->setText(QString::fromStdString(p.text));
+        setPanelText(p.panel, QString::fromStdString(p.text));
     if (u.spectrumId) m_txtSpectrumID->setText(QString::fromStdString(*u.spectrumId));
     if (u.roiItemsEnabled)
         for (const std::string& key : RoiMenuItems())

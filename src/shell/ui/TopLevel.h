@@ -97,6 +97,7 @@ public:
     // A menu item or toolbar button by its key ("mnuFileOpen", "tbStart").
     QAction* action(const QString& key) const;
     QString panelText(StatusPanel panel) const;
+    QLabel* panel(StatusPanel panel) const { return m_panels[static_cast<int>(panel)]; }
     QStringList infoTexts() const; // cursor read-out lines and the ROI panel
     QLineEdit* spectrumIdBox() const { return m_txtSpectrumID; }
     calib* existingCalibDialog() const;
@@ -119,6 +120,7 @@ private:
     void buildToolbar();
     void buildStatusBar();
     void buildCentral();
+    void setPanelText(StatusPanel panel, const QString& text); // empty: hidden
     QAction* addItem(QMenu* menu, const char* key, const QString& caption,
                      void (TopLevel::*slot)(), const QKeySequence& shortcut = {});
     void layoutPlots();

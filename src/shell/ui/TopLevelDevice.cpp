@@ -116,16 +116,16 @@ void TopLevel::tmrConnect() {
 void TopLevel::showAcquisitionTexts() {
     if (!m_acq) return;
     const AcquisitionPanelTexts& t = m_acq->panelTexts();
-    m_panels[static_cast<int>(StatusPanel::Status)]->setText(QString::fromStdString(t.status));
-    m_panels[static_cast<int>(StatusPanel::Preset)]->setText(QString::fromStdString(t.preset));
-    m_panels[static_cast<int>(StatusPanel::Elapsed)]->setText(QString::fromStdString(t.elapsed));
-    m_panels[static_cast<int>(StatusPanel::CountRate)]->setText(QString::fromStdString(t.countRate));
-    m_panels[static_cast<int>(StatusPanel::Icr)]->setText(QString::fromStdString(t.icr));
+    setPanelText(StatusPanel::Status, QString::fromStdString(t.status));
+    setPanelText(StatusPanel::Preset, QString::fromStdString(t.preset));
+    setPanelText(StatusPanel::Elapsed, QString::fromStdString(t.elapsed));
+    setPanelText(StatusPanel::CountRate, QString::fromStdString(t.countRate));
+    setPanelText(StatusPanel::Icr, QString::fromStdString(t.icr));
     showRoiReadout();
     if (m_batch) {
         const BatchPanelTexts b = m_batch->panelTexts();
-        m_panels[static_cast<int>(StatusPanel::Batch)]->setText(QString::fromStdString(b.batch));
-        m_panels[static_cast<int>(StatusPanel::BatchCounter)]->setText(QString::fromStdString(b.counter));
+        setPanelText(StatusPanel::Batch, QString::fromStdString(b.batch));
+        setPanelText(StatusPanel::BatchCounter, QString::fromStdString(b.counter));
     }
 }
 

@@ -176,16 +176,40 @@ void TopLevel::buildToolbar() {
     }
 }
 
+// Each panel is at least as wide as the longest text it is expected to show, measured
+// with the status bar's font, so a text is not cut while the window has its default
+// width; a longer text (a long device name) widens its panel further. Empty panels are
+// hidden and give their room to the others. The elapsed-time panel takes what is left.
 void TopLevel::buildStatusBar() {
-    // Panels size to their text; the elapsed-time panel takes what is left.
-    const int widths[kStatusPanelCount] = {90, 60, 60, 40, 0, 60, 60, 70, 40};
+    const char* longest[kStatusPanelCount] = {
+        "Connected to KORV MCA-10 S/N 10230417", // Connection
+        "File: spectrum.spe",                    // File
+        "HV ramping",                            // Status (a batch prefix widens it)
+        "Live Time = 3600 sec",                  // Preset
+        nullptr,                                 // Elapsed: stretches
+        "99999.9 cps",                           // CountRate
+        "ICR 99999.9 cps",                       // Icr
+        "BATCH OFF",                             // Batch
+        "Acq. done: 99 of 99",                   // BatchCounter
+    };
+    const QFontMetrics metrics(statusBar()->font());
     for (int i = 0; i < kStatusPanelCount; ++i) {
         auto* label = new QLabel(this);
         label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        if (widths[i] > 0) label->setMinimumWidth(widths[i]);
-        statusBar()->addWidget(label, widths[i] == 0 ? 1 : 0);
+        if (longest[i]) {
+            const int frame = 2 * label->frameWidth() + 2 * label->margin() + 4;
+            label->setMinimumWidth(metrics.horizontalAdvance(QString::fromLatin1(longest[i])) + frame);
+        }
+        statusBar()->addWidget(label, longest[i] ? 0 : 1);
+        label->setVisible(false);
         m_panels[i] = label;
     }
+}
+
+void TopLevel::setPanelText(StatusPanel panel, const QString& text) {
+    QLabel* label = m_panels[static_cast<int>(panel)];
+    label->setText(text);
+    label->setVisible(!text.isEmpty());
 }
 
 void TopLevel::buildCentral() {

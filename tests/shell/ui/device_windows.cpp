@@ -31,6 +31,24 @@ using namespace vexo;
 class DeviceWindowsTest : public QObject, public UiFixture {
     Q_OBJECT
 
+    // Every status-bar panel with a text is wide enough for all of it.
+    static void assertPanelsNotCut(TopLevel& w) {
+        int shown = 0;
+        for (int i = 0; i < kStatusPanelCount; ++i) {
+            QLabel* panel = w.panel(static_cast<StatusPanel>(i));
+            if (panel->text().isEmpty()) {
+                QVERIFY(!panel->isVisible());
+                continue;
+            }
+            ++shown;
+            QVERIFY(panel->isVisible());
+            const int needed = panel->fontMetrics().horizontalAdvance(panel->text()) + 2 * panel->frameWidth();
+            QVERIFY2(panel->contentsRect().width() + 2 * panel->frameWidth() >= needed,
+                     qPrintable(QString("%1: %2 of %3 pixels").arg(panel->text()).arg(panel->width()).arg(needed)));
+        }
+        QVERIFY(shown > 0);
+    }
+
 private slots:
     void initTestCase() { QVERIFY(setUp()); }
     void init() { m_messages.clear(); }
@@ -66,6 +84,9 @@ private slots:
         const QStringList info = w.infoTexts();
         QVERIFY2(info[5].endsWith(" CPS") && info[6].endsWith(" CPS"), qPrintable(info.join("|")));
         QVERIFY(info[3] != "0.00 keV");
+        QCOMPARE(w.width(), 1000); // the default width
+        QApplication::processEvents();
+        assertPanelsNotCut(w);
         shoot(w, "main_acquiring");
 
         // MCA settings: a coarse gain chosen and applied comes back from the device.

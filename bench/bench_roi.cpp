@@ -36,7 +36,8 @@ Workload MakeWorkload() {
     for (int p = 0; p < kRois; ++p) {
         const double mu = where(rng), amp = height(rng);
         const double sigma = 1.5 + 0.04 * std::sqrt(mu) * 3.0;
-        for (int i = std::max(0, int(mu - 6 * sigma)); i <= int(mu + 6 * sigma) && i < kSlots - 1; ++i)
+        for (int i = std::max(0, int(mu - 6 * sigma)); i <= int(mu + 6 * sigma) && i < kSlots - 1;
+             ++i)
             mean[i] += amp * std::exp(-0.5 * (i - mu) * (i - mu) / (sigma * sigma));
         vexo::clsROI roi;
         roi.set_lROILCh(static_cast<int32_t>(std::lround(mu - 3 * sigma)));
@@ -56,8 +57,8 @@ void BM_ComputeRoi64(benchmark::State& state) {
         for (vexo::clsROI& roi : w.rois) {
             int16_t nBkgChn = 0;
             vexo::RoiRates rates;
-            analysed += roi.bComputeROI(300.0f, nBkgChn, w.counts.data(), w.counts.size(), w.cal,
-                                        rates);
+            analysed +=
+                roi.bComputeROI(300.0f, nBkgChn, w.counts.data(), w.counts.size(), w.cal, rates);
             benchmark::DoNotOptimize(rates);
         }
     }

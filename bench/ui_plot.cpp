@@ -77,7 +77,8 @@ void BM_PlainQCustomPlotFilled(benchmark::State& state) {
     plot.rescaleAxes();
     plot.show();
     QApplication::processEvents();
-    for (auto _ : state) plot.replot();
+    for (auto _ : state)
+        plot.replot();
 }
 BENCHMARK(BM_PlainQCustomPlotFilled)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
@@ -102,7 +103,8 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    if (!std::getenv("QT_QPA_PLATFORM"))
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
     QApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     RatioReporter reporter;

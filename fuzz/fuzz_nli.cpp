@@ -18,8 +18,8 @@ namespace {
 constexpr std::size_t kMaxInput = 16 * 1024;
 
 std::filesystem::path ScratchFile() {
-    static const std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("fuzz_nli_" + std::to_string(::getpid()) + ".nli");
+    static const std::filesystem::path path = std::filesystem::temp_directory_path() /
+                                              ("fuzz_nli_" + std::to_string(::getpid()) + ".nli");
     return path;
 }
 

@@ -154,9 +154,10 @@ Acquisition::Segment Acquisition::runPha(double dt, bool pulses, const Acquisiti
     if (singlesMean > 16.0 * (c.channels + 1)) {
         // Channel by channel is exact for the spectrum but not for the moment a counts
         // preset is reached: use it only while the window stays far below the preset.
-        const double window = (singlesMean * c.shape->windowShare(std::min(m_windowFirst, m_windowLast),
-                                                                  std::max(m_windowFirst, m_windowLast)) +
-                               pileMean);
+        const double window =
+            (singlesMean * c.shape->windowShare(std::min(m_windowFirst, m_windowLast),
+                                                std::max(m_windowFirst, m_windowLast)) +
+             pileMean);
         const double remaining = static_cast<double>(c.presetCounts - m_windowCounts);
         if (!c.countsPreset || window + 10.0 * std::sqrt(window) + 10.0 < remaining)
             return runPhaPerBin(dt, singlesMean, pileMean, lostMean, c, rng);

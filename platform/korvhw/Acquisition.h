@@ -15,11 +15,11 @@ namespace korvsim {
 // Everything the clockwork needs to know about the device for one advance.
 struct AcquisitionConditions {
     const SpectralShape* shape = nullptr;
-    bool pulsesPresent = false;  // detector biased, polarity right, not inhibited
-    double pulsesFrom = 0.0;     // simulated time the HV has settled
-    double gateOpensAt = 0.0;    // before this the run waits for its external start
-    double deadPerEvent = 0.0;   // seconds of processing per recorded pulse
-    double pileUpWindow = 0.0;   // seconds within which a second pulse piles up
+    bool pulsesPresent = false; // detector biased, polarity right, not inhibited
+    double pulsesFrom = 0.0;    // simulated time the HV has settled
+    double gateOpensAt = 0.0;   // before this the run waits for its external start
+    double deadPerEvent = 0.0;  // seconds of processing per recorded pulse
+    double pileUpWindow = 0.0;  // seconds within which a second pulse piles up
     bool pileUpRejection = true;
     int32_t channels = 1024;
     int32_t lld = 0, uld = 16383;
@@ -57,11 +57,12 @@ public:
 
 private:
     struct Segment {
-        double used;  // seconds actually consumed (less when a counts preset ends it)
+        double used; // seconds actually consumed (less when a counts preset ends it)
         bool presetReached;
     };
     void stepMcs(double dt, bool pulses, const AcquisitionConditions& c, Rng& rng);
-    void stepPha(double dt, bool pulses, double liveShare, const AcquisitionConditions& c, Rng& rng);
+    void stepPha(double dt, bool pulses, double liveShare, const AcquisitionConditions& c,
+                 Rng& rng);
     Segment runPha(double dt, bool pulses, const AcquisitionConditions& c, Rng& rng);
     Segment runPhaPerBin(double dt, double singlesMean, double pileMean, double lostMean,
                          const AcquisitionConditions& c, Rng& rng);

@@ -48,17 +48,25 @@ double DetectorModel::detectionWeight(double e) const {
     return transmitted * interacts;
 }
 
-double DetectorModel::backscatterShare() const { return kind == DetectorKind::HPGe ? 0.04 : 0.06; }
+double DetectorModel::backscatterShare() const {
+    return kind == DetectorKind::HPGe ? 0.04 : 0.06;
+}
 
 double DetectorModel::multipleScatterShare() const {
     return kind == DetectorKind::HPGe ? 0.08 : 0.15;
 }
 
-double DetectorModel::noiseScaleKeV() const { return kind == DetectorKind::HPGe ? 1.5 : 4.0; }
+double DetectorModel::noiseScaleKeV() const {
+    return kind == DetectorKind::HPGe ? 1.5 : 4.0;
+}
 
-double DetectorModel::hvGainExponent() const { return kind == DetectorKind::HPGe ? 0.0 : 7.0; }
+double DetectorModel::hvGainExponent() const {
+    return kind == DetectorKind::HPGe ? 0.0 : 7.0;
+}
 
-double DetectorModel::minimumBiasShare() const { return kind == DetectorKind::HPGe ? 0.8 : 0.0; }
+double DetectorModel::minimumBiasShare() const {
+    return kind == DetectorKind::HPGe ? 0.8 : 0.0;
+}
 
 DetectorModel MakeDetectorModel(DetectorKind kind) {
     DetectorModel model;

@@ -18,18 +18,26 @@ constexpr uint64_t kPhysicsStream = 1, kFaultStream = 2, kScopeStream = 3;
 
 bool ReadOnly(int32_t id) {
     switch (id) {
-    case 0: case 1: case 2: case 3: case 4: case 27: case 35: case 42: case 44: return true;
-    default: return false;
+    case 0:
+    case 1:
+    case 2:
+    case 3:
+    case 4:
+    case 27:
+    case 35:
+    case 42:
+    case 44:
+        return true;
+    default:
+        return false;
     }
 }
 
 } // namespace
 
 Device::Device(DeviceSetup setup, uint64_t seed, std::filesystem::path settingsDir)
-    : m_setup(std::move(setup)),
-      m_traits(TraitsFor(m_setup.serial, m_setup.firmware)),
-      m_settingsDir(std::move(settingsDir)),
-      m_seed(seed) {
+    : m_setup(std::move(setup)), m_traits(TraitsFor(m_setup.serial, m_setup.firmware)),
+      m_settingsDir(std::move(settingsDir)), m_seed(seed) {
     for (int32_t id : m_setup.missingIds)
         if (id >= 0 && id <= kHighestParamId)
             m_traits.answers.reset(static_cast<size_t>(id));
@@ -91,18 +99,35 @@ int32_t Device::checkId(int32_t id) const {
 
 int32_t Device::liveValue(int32_t id, ParamValue& out) const {
     switch (id) {
-    case 0: out.text = m_setup.name; return kOk;
-    case 1: out.text = m_setup.serial; return kOk;
-    case 2: out.text = m_setup.firmware; return kOk;
-    case 3: out.text = m_setup.firmwareDate; return kOk;
-    case 4: out.text = m_setup.productionDate; return kOk;
-    case 27: out.integer = m_acq.mcsChannel(); return kOk;
+    case 0:
+        out.text = m_setup.name;
+        return kOk;
+    case 1:
+        out.text = m_setup.serial;
+        return kOk;
+    case 2:
+        out.text = m_setup.firmware;
+        return kOk;
+    case 3:
+        out.text = m_setup.firmwareDate;
+        return kOk;
+    case 4:
+        out.text = m_setup.productionDate;
+        return kOk;
+    case 27:
+        out.integer = m_acq.mcsChannel();
+        return kOk;
     case 35:
         out.integer = static_cast<int32_t>(std::min<uint64_t>(m_acq.inputCounts(), INT32_MAX));
         return kOk;
-    case 42: out.integer = m_setup.clockHz; return kOk;
-    case 44: out.integer = static_cast<int32_t>(std::lround(m_setup.maxHV * 10.0)); return kOk;
-    default: return kNotSupported;
+    case 42:
+        out.integer = m_setup.clockHz;
+        return kOk;
+    case 44:
+        out.integer = static_cast<int32_t>(std::lround(m_setup.maxHV * 10.0));
+        return kOk;
+    default:
+        return kNotSupported;
     }
 }
 

@@ -23,9 +23,13 @@ constexpr double kFullScaleThresholdUnits = 16384.0;
 
 } // namespace
 
-double Device::clockHz() const { return m_setup.clockHz > 0 ? m_setup.clockHz : kDefaultClockHz; }
+double Device::clockHz() const {
+    return m_setup.clockHz > 0 ? m_setup.clockHz : kDefaultClockHz;
+}
 
-double Device::maxHV() const { return m_setup.maxHV > 0.0 ? m_setup.maxHV : kDefaultMaxHV; }
+double Device::maxHV() const {
+    return m_setup.maxHV > 0.0 ? m_setup.maxHV : kDefaultMaxHV;
+}
 
 bool Device::inhibited() const {
     // Models with id 51 honour the inhibit input only when it is enabled there.
@@ -36,7 +40,8 @@ bool Device::inhibited() const {
 bool Device::biased() const {
     if (!(m_settings.hvOn & 1) || inhibited() || !(m_settings.highVoltage > 0.0f))
         return false;
-    const double minimum = MakeDetectorModel(m_setup.detector).minimumBiasShare() * m_setup.nominalHV;
+    const double minimum =
+        MakeDetectorModel(m_setup.detector).minimumBiasShare() * m_setup.nominalHV;
     return m_settings.highVoltage >= minimum;
 }
 
@@ -49,7 +54,8 @@ bool Device::pulsesPresent() const {
 double Device::channelsPerKeV() const {
     const DetectorModel det = MakeDetectorModel(m_setup.detector);
     const double fine = 0.5 + static_cast<double>(m_settings.fineGain) / m_traits.fineGainMax;
-    double gain = std::ldexp(1.0, m_settings.coarseGain) * fine * std::ldexp(1.0, m_settings.digitalGain);
+    double gain =
+        std::ldexp(1.0, m_settings.coarseGain) * fine * std::ldexp(1.0, m_settings.digitalGain);
     if (det.hvGainExponent() > 0.0 && m_setup.nominalHV > 0.0)
         gain *= std::pow(m_settings.highVoltage / m_setup.nominalHV, det.hvGainExponent());
     return m_settings.channels * gain / kFullScaleKeVAtUnitGain;

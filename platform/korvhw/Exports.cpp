@@ -15,8 +15,7 @@ using korvsim::Simulator;
 
 namespace {
 
-template <class Body>
-int32_t Guarded(const char* operation, Body body) noexcept {
+template <class Body> int32_t Guarded(const char* operation, Body body) noexcept {
     try {
         return body();
     } catch (const std::exception& e) {
@@ -27,8 +26,7 @@ int32_t Guarded(const char* operation, Body body) noexcept {
     return korvsim::kMcaFailure;
 }
 
-template <class Op>
-int32_t OnDevice(const char* operation, int32_t handle, Op op) noexcept {
+template <class Op> int32_t OnDevice(const char* operation, int32_t handle, Op op) noexcept {
     return Guarded(operation, [&] { return Simulator::instance().withDevice(handle, op); });
 }
 
@@ -105,7 +103,8 @@ KORVHW_EXPORT int32_t KORVHW_CALL StopAcquisition(int32_t handle) {
 }
 
 KORVHW_EXPORT int32_t KORVHW_CALL ClearAll(int32_t handle) {
-    return OnDevice("ClearAll", handle, [](Device& d, double now) { return d.clear(now, true, true); });
+    return OnDevice("ClearAll", handle,
+                    [](Device& d, double now) { return d.clear(now, true, true); });
 }
 
 KORVHW_EXPORT int32_t KORVHW_CALL ClearMemory(int32_t handle) {
@@ -114,7 +113,8 @@ KORVHW_EXPORT int32_t KORVHW_CALL ClearMemory(int32_t handle) {
 }
 
 KORVHW_EXPORT int32_t KORVHW_CALL ClearTime(int32_t handle) {
-    return OnDevice("ClearTime", handle, [](Device& d, double now) { return d.clear(now, false, true); });
+    return OnDevice("ClearTime", handle,
+                    [](Device& d, double now) { return d.clear(now, false, true); });
 }
 
 KORVHW_EXPORT int32_t KORVHW_CALL RestoreDefaults(int32_t handle) {

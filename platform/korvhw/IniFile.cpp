@@ -97,7 +97,8 @@ IniFile IniFile::Parse(std::string_view text) {
             ini.m_problems.push_back("line " + std::to_string(lineNo) + ": '" + line + "'");
             continue;
         }
-        ini.m_sections.back().entries.push_back({Trim(line.substr(0, eq)), Trim(line.substr(eq + 1))});
+        ini.m_sections.back().entries.push_back(
+            {Trim(line.substr(0, eq)), Trim(line.substr(eq + 1))});
     }
     return ini;
 }

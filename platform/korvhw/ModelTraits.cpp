@@ -18,8 +18,17 @@ bool IsKnownParamId(int32_t id) {
     if (id < 0 || id > kHighestParamId)
         return false;
     switch (id) {
-    case 29: case 33: case 37: case 38: case 43: case 45: case 46: case 47: return false;
-    default: return true;
+    case 29:
+    case 33:
+    case 37:
+    case 38:
+    case 43:
+    case 45:
+    case 46:
+    case 47:
+        return false;
+    default:
+        return true;
     }
 }
 
@@ -38,8 +47,8 @@ ModelTraits TraitsFor(const std::string& serial, const std::string& firmware) {
     t.code = serial.substr(0, 2);
     ParseFirmware(firmware, t.firmwareMajor, t.firmwareMinor);
     // Every model: identity, the MCA settings proper, HV, scope, calibration, clock.
-    Allow(t, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21,
-              22, 23, 24, 25, 26, 27, 42, 44});
+    Allow(t, {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  11, 12, 13, 14, 15,
+              16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 42, 44});
     const bool current = t.code == "10";
     const bool old = t.code == "06" || t.code == "13" || t.code == "14";
     if (old) {
@@ -52,8 +61,7 @@ ModelTraits TraitsFor(const std::string& serial, const std::string& firmware) {
             Allow(t, {36, 51});
     }
     const bool wide = t.code == "10" || t.code == "08";
-    const bool newFirmware =
-        t.firmwareMajor > 3 || (t.firmwareMajor == 3 && t.firmwareMinor >= 3);
+    const bool newFirmware = t.firmwareMajor > 3 || (t.firmwareMajor == 3 && t.firmwareMinor >= 3);
     t.fineGainMax = wide && newFirmware ? 16383 : 4095;
     t.scopeFullScale = wide ? 65536 : 4096;
     t.hvStatusBits = current;

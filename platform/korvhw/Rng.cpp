@@ -13,7 +13,9 @@ uint64_t SplitMix(uint64_t& state) {
     return z ^ (z >> 31);
 }
 
-uint64_t Rotl(uint64_t x, int k) { return (x << k) | (x >> (64 - k)); }
+uint64_t Rotl(uint64_t x, int k) {
+    return (x << k) | (x >> (64 - k));
+}
 
 } // namespace
 
@@ -23,7 +25,9 @@ uint64_t MixSeed(uint64_t a, uint64_t b) {
     return SplitMix(state);
 }
 
-Rng::Rng(uint64_t seed) { reseed(seed); }
+Rng::Rng(uint64_t seed) {
+    reseed(seed);
+}
 
 void Rng::reseed(uint64_t seed) {
     uint64_t state = seed;

@@ -99,8 +99,9 @@ void MakeScopeTrace(const ScopeRequest& r, Rng& rng, int16_t* samples) {
         const double tick = i * ticksPerSample;
         double value = 0.0;
         for (const Pulse& p : pulses)
-            value += r.input ? inputSign * PreampStep(tick - p.startTick, 0.5 * p.height, decayTicks)
-                             : shapedSign * Trapezoid(tick - p.startTick, p.height, r, decayTicks);
+            value += r.input
+                         ? inputSign * PreampStep(tick - p.startTick, 0.5 * p.height, decayTicks)
+                         : shapedSign * Trapezoid(tick - p.startTick, p.height, r, decayTicks);
         value += noise * rng.normal();
         samples[i] = static_cast<int16_t>(std::lround(std::clamp(value, bottom, top)));
     }

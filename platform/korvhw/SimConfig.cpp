@@ -66,8 +66,8 @@ DeviceSetup DefaultDevice06() {
     d.productionDate = "20110520";
     d.detector = DetectorKind::NaI3x3;
     d.nominalHV = 750.0;
-    d.maxHV = 0.0;  // this firmware leaves id 44 at 0
-    d.clockHz = 0;  // and id 42 as well
+    d.maxHV = 0.0; // this firmware leaves id 44 at 0
+    d.clockHz = 0; // and id 42 as well
     d.sources = {{"Am-241", 1500.0}, {"Cs-137", 1000.0}, {"K-40", 60.0}};
     return d;
 }
@@ -102,7 +102,7 @@ std::string ReadText(const IniFile& ini, const std::string& section, const char*
 
 // "Cs-137:3000, K-40:60" -> sources; a missing rate means 1000 counts/s.
 std::vector<SourceSetup> ReadSources(const std::string& text, const std::string& section,
-                                    std::vector<std::string>& warnings) {
+                                     std::vector<std::string>& warnings) {
     std::vector<SourceSetup> sources;
     for (const std::string& item : SplitList(text, ',')) {
         const size_t colon = item.find(':');
@@ -115,8 +115,8 @@ std::vector<SourceSetup> ReadSources(const std::string& text, const std::string&
             rate = kMaxRateCps;
         }
         if (!nuclide || !rate || *rate < 0.0) {
-            warnings.push_back("[" + section + "] source '" + item + "' skipped (known: " +
-                               KnownSourceNames() + ")");
+            warnings.push_back("[" + section + "] source '" + item +
+                               "' skipped (known: " + KnownSourceNames() + ")");
             continue;
         }
         sources.push_back({nuclide->name, *rate});
@@ -152,7 +152,7 @@ FaultPlan ReadFaults(const IniFile& ini, const std::string& s, std::vector<std::
 }
 
 DeviceSetup ReadDevice(const IniFile& ini, const std::string& s, size_t index,
-                      std::vector<std::string>& w) {
+                       std::vector<std::string>& w) {
     DeviceSetup d = DefaultDevice10();
     d.serial = ReadText(ini, s, "Serial", "10" + std::to_string(100000 + index));
     d.path = ReadText(ini, s, "Path", "KORV-" + d.serial);

@@ -23,14 +23,14 @@ struct ParamFault {
 };
 
 struct FaultPlan {
-    int32_t openFailures = 0;            // the first N OpenDevice calls fail with -8
-    double disconnectAfterSeconds = -1;  // simulated seconds after opening; < 0 never
+    int32_t openFailures = 0;           // the first N OpenDevice calls fail with -8
+    double disconnectAfterSeconds = -1; // simulated seconds after opening; < 0 never
     std::vector<ParamFault> paramFaults;
-    double readSpectrumFailShare = 0.0;  // 0..1, drawn from a seeded generator
+    double readSpectrumFailShare = 0.0; // 0..1, drawn from a seeded generator
 };
 
 struct DeviceSetup {
-    std::string path;   // bare library path, without the "USB:"-style prefix
+    std::string path; // bare library path, without the "USB:"-style prefix
     std::string name;
     std::string serial; // first two characters are the model code
     int32_t type = 2;   // 1 HID, 2 USB, 3 ETH
@@ -44,7 +44,7 @@ struct DeviceSetup {
     int32_t clockHz = 80000000;   // answered by id 42; 0 answers 0 (the filter runs at 25 MHz)
     std::vector<SourceSetup> sources;
     double noiseCps = 200.0;
-    bool hvInhibitInput = false;   // the external inhibit input is asserted
+    bool hvInhibitInput = false; // the external inhibit input is asserted
     double hvRampSeconds = 3.0;
     bool hvOnAtPowerUp = false;
     double externalGateSeconds = 1.0; // wait for the external start input (preset bit 8)

@@ -29,7 +29,9 @@ Simulator& Simulator::instance() {
     return simulator;
 }
 
-Simulator::Simulator() { reloadIfChanged(); }
+Simulator::Simulator() {
+    reloadIfChanged();
+}
 
 void Simulator::reloadIfChanged() {
     if (!m_handles.empty())
@@ -58,8 +60,8 @@ void Simulator::install(const SimConfig& config) {
     m_devices.clear();
     m_found = 0;
     for (size_t i = 0; i < config.devices.size(); ++i)
-        m_devices.push_back(std::make_unique<Device>(
-            config.devices[i], MixSeed(config.seed, i + 1), config.settingsDir));
+        m_devices.push_back(std::make_unique<Device>(config.devices[i], MixSeed(config.seed, i + 1),
+                                                     config.settingsDir));
 }
 
 int32_t Simulator::findDevices(int32_t maxDevices, bool restart, bool findAll) {

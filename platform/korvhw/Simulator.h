@@ -40,8 +40,7 @@ public:
 
     // Runs op(device, now) for an open handle: kInvalidHandle for an unknown one,
     // kConnectionClosed once the device has dropped its connection.
-    template <class Op>
-    int32_t withDevice(int32_t handle, Op op) {
+    template <class Op> int32_t withDevice(int32_t handle, Op op) {
         std::lock_guard<std::mutex> lock(m_mutex);
         Device* device = find(handle);
         if (!device)

@@ -35,8 +35,7 @@ public:
     }
 
     // A continuous density f(e) (any scale) spread over [0, maxKeV], normalised here.
-    template <class Density>
-    void addContinuum(double rate, double maxKeV, Density f) {
+    template <class Density> void addContinuum(double rate, double maxKeV, Density f) {
         m_total += rate;
         constexpr int kSteps = 2048;
         const double step = maxKeV / kSteps;

@@ -19,10 +19,10 @@ struct SourceRate {
 struct ShapeRequest {
     DetectorKind detector = DetectorKind::NaI3x3;
     std::vector<SourceRate> sources;
-    double noiseCps = 0.0;        // electronic noise pulses above zero energy
-    int32_t channels = 1024;      // 256 .. 16384
-    double channelsPerKeV = 0.4;  // conversion gain; > 0
-    double thresholdChannel = 0;  // pulses below this (in channels) never trigger
+    double noiseCps = 0.0;       // electronic noise pulses above zero energy
+    int32_t channels = 1024;     // 256 .. 16384
+    double channelsPerKeV = 0.4; // conversion gain; > 0
+    double thresholdChannel = 0; // pulses below this (in channels) never trigger
 };
 
 struct SpectralShape {

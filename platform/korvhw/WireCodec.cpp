@@ -20,10 +20,17 @@ int32_t EncodeParam(int32_t id, const ParamValue& value, void* buffer, int32_t s
     if (!buffer || size < WireSize(id))
         return kInvalidArgument;
     switch (KindOf(id)) {
-    case ParamKind::Text: return CopyText(value.text, static_cast<char*>(buffer), size);
-    case ParamKind::Real: std::memcpy(buffer, &value.real, 4); return kOk;
-    case ParamKind::Triple: std::memcpy(buffer, value.triple.data(), 12); return kOk;
-    case ParamKind::Integer: std::memcpy(buffer, &value.integer, 4); return kOk;
+    case ParamKind::Text:
+        return CopyText(value.text, static_cast<char*>(buffer), size);
+    case ParamKind::Real:
+        std::memcpy(buffer, &value.real, 4);
+        return kOk;
+    case ParamKind::Triple:
+        std::memcpy(buffer, value.triple.data(), 12);
+        return kOk;
+    case ParamKind::Integer:
+        std::memcpy(buffer, &value.integer, 4);
+        return kOk;
     }
     return kInvalidArgument;
 }
@@ -37,9 +44,15 @@ int32_t DecodeParam(int32_t id, const void* buffer, int32_t size, ParamValue& va
         value.text.assign(text, strnlen(text, static_cast<size_t>(size)));
         return kOk;
     }
-    case ParamKind::Real: std::memcpy(&value.real, buffer, 4); return kOk;
-    case ParamKind::Triple: std::memcpy(value.triple.data(), buffer, 12); return kOk;
-    case ParamKind::Integer: std::memcpy(&value.integer, buffer, 4); return kOk;
+    case ParamKind::Real:
+        std::memcpy(&value.real, buffer, 4);
+        return kOk;
+    case ParamKind::Triple:
+        std::memcpy(value.triple.data(), buffer, 12);
+        return kOk;
+    case ParamKind::Integer:
+        std::memcpy(&value.integer, buffer, 4);
+        return kOk;
     }
     return kInvalidArgument;
 }

@@ -70,11 +70,11 @@ void PrintRows(const std::vector<DeviceRow>& rows, bool json) {
         nlohmann::ordered_json list = nlohmann::ordered_json::array();
         for (const DeviceRow& row : rows)
             list.push_back(nlohmann::ordered_json{{"No", row.No},
-                            {"Name", row.Name},
-                            {"Path", DetectorPathFor(row.Type, row.Path)},
-                            {"Serial", row.Serial},
-                            {"Type", row.Type},
-                            {"Location", row.Path}});
+                                                  {"Name", row.Name},
+                                                  {"Path", DetectorPathFor(row.Type, row.Path)},
+                                                  {"Serial", row.Serial},
+                                                  {"Type", row.Type},
+                                                  {"Location", row.Path}});
         std::printf("%s\n", list.dump(2).c_str());
         return;
     }

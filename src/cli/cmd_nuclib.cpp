@@ -146,7 +146,8 @@ int RunNuclib(const std::vector<std::string>& args) {
         for (const Candidate& c : kept) {
             lines.push_back(MakeLine(read.nuclide, c));
             if (!sectionNames.insert(LibrarySectionName(lines.back())).second)
-                std::fprintf(stderr, "nuclib: %s: two lines share section [%s]; the later is kept\n",
+                std::fprintf(stderr,
+                             "nuclib: %s: two lines share section [%s]; the later is kept\n",
                              name.c_str(), LibrarySectionName(lines.back()).c_str());
         }
         std::printf("%-8s %zu line(s)\n", name.c_str(), kept.size());

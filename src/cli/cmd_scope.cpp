@@ -39,8 +39,8 @@ Options ParseOptions(const std::vector<std::string>& args) {
             o.input = true;
         } else if (a == "--traces" && i + 1 < args.size()) {
             const std::string v = args[++i];
-            if (v.empty() || v.size() > 4 || v.find_first_not_of("0123456789") != std::string::npos ||
-                std::stoi(v) < 1)
+            if (v.empty() || v.size() > 4 ||
+                v.find_first_not_of("0123456789") != std::string::npos || std::stoi(v) < 1)
                 throw UsageError{"--traces takes a whole number 1..9999"};
             o.traces = std::stoi(v);
         } else if (a == "--out" && i + 1 < args.size()) {

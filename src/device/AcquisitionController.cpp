@@ -202,7 +202,8 @@ bool AcquisitionController::DisplaySpectrum() {
     std::fill(buffer.begin(), buffer.end(), 0);
     int32_t channels = 0;
     float realTime = 0.0f, liveTime = 0.0f;
-    const int32_t rc = m_lib.readSpectrum(m_doc.hDevice, buffer.data(), channels, realTime, liveTime);
+    const int32_t rc =
+        m_lib.readSpectrum(m_doc.hDevice, buffer.data(), channels, realTime, liveTime);
     if (rc != 0) {
         connectionLost(rc);
         return false;
@@ -213,8 +214,7 @@ bool AcquisitionController::DisplaySpectrum() {
     m_doc.sngRealTime = realTime;
     m_doc.sngLiveTime = liveTime;
 
-    m_readings.deadTimePercent =
-        realTime > 0.0f ? (1.0f - liveTime / realTime) * 100.0f : 0.0f;
+    m_readings.deadTimePercent = realTime > 0.0f ? (1.0f - liveTime / realTime) * 100.0f : 0.0f;
     m_readings.countRate = CountRate(m_doc);
 
     int32_t mcsChannel = 0;
@@ -228,8 +228,9 @@ bool AcquisitionController::DisplaySpectrum() {
     int32_t inputCounts = 0;
     if (m_lib.getParam(m_doc.hDevice, DeviceParamId::InputCounts, inputCounts) == 0) {
         // A fresh start has no real time yet; its throughput is shown as 0.
-        const float icr = realTime > 0.0f ? static_cast<float>(inputCounts / static_cast<double>(realTime))
-                                          : 0.0f;
+        const float icr = realTime > 0.0f
+                              ? static_cast<float>(inputCounts / static_cast<double>(realTime))
+                              : 0.0f;
         m_readings.inputCountRate = icr;
         m_texts.icr = "ICR " + FormatSingle(icr, "0.0") + " cps";
     }

@@ -25,9 +25,9 @@
 
 namespace vexo {
 
-constexpr int kRefreshIntervalMs = 500;   // tmrRefresh
-constexpr int kRefreshAcquisition = 2;    // RefreshMainWindow: acquisition state changed
-constexpr int kRefreshOptionsBatch = 16;  // RefreshMainWindow: options and batch panels
+constexpr int kRefreshIntervalMs = 500;  // tmrRefresh
+constexpr int kRefreshAcquisition = 2;   // RefreshMainWindow: acquisition state changed
+constexpr int kRefreshOptionsBatch = 16; // RefreshMainWindow: options and batch panels
 
 // The status-bar texts of the acquisition, as the window shows them. A text is only
 // rewritten by the step that owns it; a failing step leaves the old text.
@@ -41,8 +41,8 @@ struct AcquisitionPanelTexts {
 
 // The figures behind the texts, from the latest spectrum read.
 struct AcquisitionReadings {
-    float deadTimePercent = 0.0f;       // 0 while the real time is 0
-    float countRate = 0.0f;             // counts per second of live time
+    float deadTimePercent = 0.0f;        // 0 while the real time is 0
+    float countRate = 0.0f;              // counts per second of live time
     std::optional<float> inputCountRate; // input counts per second of real time
     std::optional<int32_t> mcsChannel;   // channel the MCS scan is filling
 };
@@ -50,7 +50,7 @@ struct AcquisitionReadings {
 // What the acquisition asks of its owner; an empty hook is skipped.
 struct AcquisitionHooks {
     std::function<void(int code)> refreshMainWindow; // RefreshMainWindow(code)
-    std::function<void()> spectrumRead;               // redraw the plots, info panel
+    std::function<void()> spectrumRead;              // redraw the plots, info panel
     // The device stopped answering (closed link, invalid handle). The controller has
     // already closed it (hDevice = 0); the owner stops its timers and shows the
     // disconnected state. Without this hook the controller asks for a full refresh (0).

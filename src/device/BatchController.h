@@ -40,8 +40,7 @@ public:
     // falls back to for empty folders. Registers itself with `acquisition` for DoBatch and
     // for the Stop confirmation; both must outlive each other's use.
     BatchController(AcquisitionController& acquisition, AppSettings* appSettings,
-                    std::filesystem::path appDir, std::string programFolder,
-                    BatchHooks hooks = {});
+                    std::filesystem::path appDir, std::string programFolder, BatchHooks hooks = {});
 
     void setHooks(BatchHooks hooks) { m_hooks = std::move(hooks); }
 

@@ -13,7 +13,8 @@ namespace {
 const char* const kFolderMessage =
     "Please enter an existing subdirectory to store the spectra of the Batch";
 const char* const kFolderMissingMessage = "Sub-directory not found";
-const char* const kCountMessage = "Please enter a value for the number of measurements in the Batch";
+const char* const kCountMessage =
+    "Please enter a value for the number of measurements in the Batch";
 const char* const kWaitMessage =
     "Please enter a value for the waiting interval time between measurements in the Batch";
 
@@ -62,8 +63,8 @@ std::optional<BatchFieldError> CheckWait(const BatchWindowFields& f) {
 
 } // namespace
 
-std::string BatchFileName(const BatchSettings& settings, const std::string& sampleId,
-                          int16_t index, double now) {
+std::string BatchFileName(const BatchSettings& settings, const std::string& sampleId, int16_t index,
+                          double now) {
     std::string name = WithSeparator(settings.szBatchDir);
     name += settings.bNameSampleID ? sampleId + "_" : std::string("Vexo_");
     if (settings.bNameTimeDate)

@@ -26,8 +26,8 @@ struct BatchSettings {
 // separator appended when it is not empty and lacks one; the sample ID + "_" or
 // "Vexo_"; the saving time "yyyymmdd_HHMMSS_" (serial date-time `now`) when asked; the
 // tag + "_" when asked; the index as at least four digits; ".SPE".
-std::string BatchFileName(const BatchSettings& settings, const std::string& sampleId,
-                          int16_t index, double now);
+std::string BatchFileName(const BatchSettings& settings, const std::string& sampleId, int16_t index,
+                          double now);
 
 // The batch window's fields, as typed.
 struct BatchWindowFields {

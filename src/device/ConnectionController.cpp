@@ -105,7 +105,9 @@ void ConnectionController::disconnect() {
     Refresh(m_hooks, kRefreshAll);
 }
 
-void ConnectionController::exit() { CloseMca(m_lib, m_doc); }
+void ConnectionController::exit() {
+    CloseMca(m_lib, m_doc);
+}
 
 bool ConnectionController::deviceInfo() {
     if (m_doc.hDevice == 0) {

@@ -22,23 +22,23 @@ constexpr int kRefreshAll = 0;         // disconnected: full refresh
 constexpr int kRefreshDeviceState = 1; // after OpenMca opened a device
 constexpr int kRefreshConnection = 4;  // after Connect: "Connected to ..." panel
 
-constexpr int kConnectIntervalMs = 500; // tmrConnect
+constexpr int kConnectIntervalMs = 500;   // tmrConnect
 constexpr int kConnectProgressSteps = 10; // pbConnect cycles through 0..9
 
 // What the connection asks of the main window; an empty hook is skipped.
 struct ConnectionHooks {
-    std::function<void(int code)> refreshMainWindow;  // RefreshMainWindow(code)
-    std::function<void()> displaySpectrumAndStatus;   // DisplaySpectrum + DisplayStatus
-    std::function<void()> refreshSettingsControls;    // MCA settings window from the record
+    std::function<void(int code)> refreshMainWindow;   // RefreshMainWindow(code)
+    std::function<void()> displaySpectrumAndStatus;    // DisplaySpectrum + DisplayStatus
+    std::function<void()> refreshSettingsControls;     // MCA settings window from the record
     std::function<void(bool enabled)> setRefreshTimer; // tmrRefresh
-    std::function<void()> closeDeviceWindows;         // settings and scope windows
+    std::function<void()> closeDeviceWindows;          // settings and scope windows
 };
 
 // Opens `path` (UTF-8, as the device list reports it; the library also takes it with
-// its type prefix) and brings the program into the connected state; the outcome is doc.bConnected. With a device already open:
-// "Already connected" (when showMessages) and bConnected = true. OpenDevice failing:
-// "Could not open MCA: " + ErrorText, or "Could not open MCA" for success without a
-// handle (critical, only when showMessages). On success: id 23 = 256, ReadDeviceInfo
+// its type prefix) and brings the program into the connected state; the outcome is doc.bConnected.
+// With a device already open: "Already connected" (when showMessages) and bConnected = true.
+// OpenDevice failing: "Could not open MCA: " + ErrorText, or "Could not open MCA" for success
+// without a handle (critical, only when showMessages). On success: id 23 = 256, ReadDeviceInfo
 // (which reports its own failures), ReadAllParams, then the settings controls,
 // spectrum/status and main window (code 1) are refreshed and the refresh timer enabled.
 // `name` is the list's device name; the device's own name read back by ReadDeviceInfo
@@ -54,8 +54,7 @@ int32_t CloseMca(DeviceLibrary& lib, SpectrumDocument& doc);
 class ConnectionController {
 public:
     ConnectionController(DeviceLibrary& lib, SpectrumDocument& doc, AppSettings& settings,
-                         std::filesystem::path appDir, Messages& messages,
-                         ConnectionHooks hooks);
+                         std::filesystem::path appDir, Messages& messages, ConnectionHooks hooks);
 
     // mnuFileConnect. `chooseDevice` shows the device list modally and returns its
     // choice; it is not called when a device is already open ("Already connected").

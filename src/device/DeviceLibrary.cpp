@@ -36,10 +36,12 @@ int ArgumentBytes(const char* name) {
     static const struct {
         const char* name;
         int bytes;
-    } table[] = {{"FindDevicesEx", 12}, {"FindDevices", 8},   {"GetDeviceInfo", 32},
-                 {"OpenDevice", 8},     {"OpenDeviceEx", 12}, {"GetParam", 16},
+    } table[] = {{"FindDevicesEx", 12}, {"FindDevices", 8},
+                 {"GetDeviceInfo", 32}, {"OpenDevice", 8},
+                 {"OpenDeviceEx", 12},  {"GetParam", 16},
                  {"SetParam", 16},      {"GetAcquisitionStatus", 8},
-                 {"ReadSpectrum", 20},  {"GetScopeStatus", 8}, {"ReadScope", 8}};
+                 {"ReadSpectrum", 20},  {"GetScopeStatus", 8},
+                 {"ReadScope", 8}};
     for (const auto& entry : table)
         if (std::strcmp(entry.name, name) == 0)
             return entry.bytes;
@@ -68,7 +70,9 @@ std::filesystem::path DeviceLibrary::ResolvePath() {
     return std::filesystem::path(DefaultFileName());
 }
 
-DeviceLibraryLoad DeviceLibrary::Load() { return Load(ResolvePath()); }
+DeviceLibraryLoad DeviceLibrary::Load() {
+    return Load(ResolvePath());
+}
 
 DeviceLibraryLoad DeviceLibrary::Load(const std::filesystem::path& path) {
     DeviceLibraryLoad result;
@@ -151,8 +155,8 @@ void* DeviceLibrary::resolve(const char* name) {
     }
 #endif
     if (symbol == nullptr)
-        throw DeviceLibraryError("The device library " + m_path.string() +
-                                 " has no export " + name + ": " + LastSystemErrorText());
+        throw DeviceLibraryError("The device library " + m_path.string() + " has no export " +
+                                 name + ": " + LastSystemErrorText());
     return reinterpret_cast<void*>(symbol);
 #else
     dlerror(); // clear a stale error so the one below belongs to this lookup
@@ -183,9 +187,9 @@ DeviceInfoResult DeviceLibrary::getDeviceInfo(int32_t index) {
     char name[KORVHW_TEXT_CAPACITY + 1] = {};
     char serial[KORVHW_TEXT_CAPACITY + 1] = {};
     DeviceInfoResult row;
-    row.status = captured(m_fn.GetDeviceInfo(index, path, KORVHW_TEXT_CAPACITY, name,
-                                             KORVHW_TEXT_CAPACITY, serial,
-                                             KORVHW_TEXT_CAPACITY, &row.type));
+    row.status =
+        captured(m_fn.GetDeviceInfo(index, path, KORVHW_TEXT_CAPACITY, name, KORVHW_TEXT_CAPACITY,
+                                    serial, KORVHW_TEXT_CAPACITY, &row.type));
     // One spare zero byte past the capacity keeps a library that fills the whole
     // buffer from running the text off its end.
     row.path = CutAtZero(path, KORVHW_TEXT_CAPACITY);
@@ -198,7 +202,9 @@ int32_t DeviceLibrary::openDevice(const std::string& ansiPath, int32_t& handle) 
     return captured(m_fn.OpenDevice(ansiPath.c_str(), &handle));
 }
 
-int32_t DeviceLibrary::closeDevice(int32_t handle) { return captured(m_fn.CloseDevice(handle)); }
+int32_t DeviceLibrary::closeDevice(int32_t handle) {
+    return captured(m_fn.CloseDevice(handle));
+}
 
 int32_t DeviceLibrary::getParam(int32_t handle, DeviceParamId id, void* buffer, int32_t size) {
     return captured(m_fn.GetParam(handle, ToInt(id), buffer, size));
@@ -233,7 +239,9 @@ int32_t DeviceLibrary::stopAcquisition(int32_t handle) {
     return captured(m_fn.StopAcquisition(handle));
 }
 
-int32_t DeviceLibrary::clearAll(int32_t handle) { return captured(m_fn.ClearAll(handle)); }
+int32_t DeviceLibrary::clearAll(int32_t handle) {
+    return captured(m_fn.ClearAll(handle));
+}
 
 int32_t DeviceLibrary::getAcquisitionStatus(int32_t handle, int32_t& status) {
     return captured(m_fn.GetAcquisitionStatus(handle, &status));
@@ -244,7 +252,9 @@ int32_t DeviceLibrary::readSpectrum(int32_t handle, int32_t* counts, int32_t& ch
     return captured(m_fn.ReadSpectrum(handle, counts, &channels, &realTime, &liveTime));
 }
 
-int32_t DeviceLibrary::armScope(int32_t handle) { return captured(m_fn.ArmScope(handle)); }
+int32_t DeviceLibrary::armScope(int32_t handle) {
+    return captured(m_fn.ArmScope(handle));
+}
 
 int32_t DeviceLibrary::getScopeStatus(int32_t handle, int32_t& status) {
     return captured(m_fn.GetScopeStatus(handle, &status));
@@ -254,6 +264,8 @@ int32_t DeviceLibrary::readScope(int32_t handle, int16_t* samples) {
     return captured(m_fn.ReadScope(handle, samples));
 }
 
-int32_t DeviceLibrary::saveSettings(int32_t handle) { return captured(m_fn.SaveSettings(handle)); }
+int32_t DeviceLibrary::saveSettings(int32_t handle) {
+    return captured(m_fn.SaveSettings(handle));
+}
 
 } // namespace vexo

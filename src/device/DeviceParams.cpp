@@ -9,29 +9,48 @@ namespace vexo {
 
 std::string ErrorText(int32_t code) {
     switch (code) {
-    case 0: return "No error";
+    case 0:
+        return "No error";
     case -1:
-    case -2: return "Not connected";
+    case -2:
+        return "Not connected";
     // Spelled so on purpose: users and their notes know the message by this text.
-    case -3: return "Invalid TPC/IP socket";
-    case -4: return "Bind to TCP/IP socket failed";
-    case -5: return "Invalid parameter";
-    case -6: return "Invalid argument";
-    case -7: return "Feature not supported";
-    case -8: return "Connection failed";
-    case -9: return "Connection closed";
-    case -10: return "Invalid response from device";
-    case -11: return "Failed to send data to device";
-    case -12: return "Failed to receive data from device";
-    case -13: return "MCA failure";
-    case -14: return "Invalid device";
-    case -15: return "Invalid device handle";
-    case -16: return "Parameter out of range";
-    default: return "";
+    case -3:
+        return "Invalid TPC/IP socket";
+    case -4:
+        return "Bind to TCP/IP socket failed";
+    case -5:
+        return "Invalid parameter";
+    case -6:
+        return "Invalid argument";
+    case -7:
+        return "Feature not supported";
+    case -8:
+        return "Connection failed";
+    case -9:
+        return "Connection closed";
+    case -10:
+        return "Invalid response from device";
+    case -11:
+        return "Failed to send data to device";
+    case -12:
+        return "Failed to receive data from device";
+    case -13:
+        return "MCA failure";
+    case -14:
+        return "Invalid device";
+    case -15:
+        return "Invalid device handle";
+    case -16:
+        return "Parameter out of range";
+    default:
+        return "";
     }
 }
 
-std::string ModelCode(std::string_view serial) { return std::string(serial.substr(0, 2)); }
+std::string ModelCode(std::string_view serial) {
+    return std::string(serial.substr(0, 2));
+}
 
 std::string AcquisitionStatusText(int32_t status, std::string_view modelCode, int32_t hvState,
                                   bool batchOn) {

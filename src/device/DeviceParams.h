@@ -14,36 +14,36 @@ using DeviceHandle = int32_t;
 // Every id the program passes to GetParam/SetParam. Unless noted the value is one
 // signed 32-bit integer in the device's own units (buffer size 4).
 enum class DeviceParamId : int32_t {
-    DeviceName = 0,       // text, 64 bytes
-    SerialNumber = 1,     // text, 64 bytes; first two characters = model code
-    FirmwareVersion = 2,  // text, 64 bytes: "V3.4"
-    FirmwareDate = 3,     // text, 64 bytes: "YYYYMMDD"
-    ProductionDate = 4,   // text, 64 bytes: "YYYYMMDD"
-    AcqMode = 5,          // 0 PHA, 1 MCS
-    Channels = 6,         // 256 .. 16384
-    LLD = 7,              // channel; in MCS mode the SCA window low channel
-    ULD = 8,              // channel; in MCS mode the SCA window high channel
-    PresetValue = 9,      // float seconds: preset time (PHA) or dwell time (MCS)
+    DeviceName = 0,      // text, 64 bytes
+    SerialNumber = 1,    // text, 64 bytes; first two characters = model code
+    FirmwareVersion = 2, // text, 64 bytes: "V3.4"
+    FirmwareDate = 3,    // text, 64 bytes: "YYYYMMDD"
+    ProductionDate = 4,  // text, 64 bytes: "YYYYMMDD"
+    AcqMode = 5,         // 0 PHA, 1 MCS
+    Channels = 6,        // 256 .. 16384
+    LLD = 7,             // channel; in MCS mode the SCA window low channel
+    ULD = 8,             // channel; in MCS mode the SCA window high channel
+    PresetValue = 9,     // float seconds: preset time (PHA) or dwell time (MCS)
     PresetModeLegacy = 10,
-    Polarity = 11,        // 0 positive, non-zero negative
+    Polarity = 11, // 0 positive, non-zero negative
     DigitalGain = 12,
     CoarseGain = 13,
-    FineGain = 14,        // 0 .. lFineGainMax
-    RiseTime = 15,        // filter clock ticks
-    FlatTop = 16,         // filter clock ticks
+    FineGain = 14, // 0 .. lFineGainMax
+    RiseTime = 15, // filter clock ticks
+    FlatTop = 16,  // filter clock ticks
     PoleZero = 17,
     Threshold = 18,
     BLR = 19,
     PUR = 20,
-    HighVoltage = 21,     // float volts
-    HVState = 22,         // HVState* bits
-    ConnectFlags = 23,    // written once with 256 after opening
+    HighVoltage = 21,  // float volts
+    HVState = 22,      // HVState* bits
+    ConnectFlags = 23, // written once with 256 after opening
     ScopeControl = 24,
     DeviceCalibration = 25, // three floats (12 bytes): keV, keV/ch, keV/ch^2
     McsChannels = 26,
     McsCurrentChannel = 27,
     PresetCounts = 28,
-    PresetMode = 30,      // PresetMode* bits
+    PresetMode = 30, // PresetMode* bits
     PresetFirstCh = 31,
     PresetLastCh = 32,
     GpioLegacy = 34,
@@ -52,31 +52,33 @@ enum class DeviceParamId : int32_t {
     PURGuard = 39,
     TRPGuard = 40,
     LTTrim = 41,
-    ClockHz = 42,         // hertz
-    MaxHV = 44,           // tenths of a volt
-    Gpio1 = 48,           // packed, see UnpackPolarity
+    ClockHz = 42, // hertz
+    MaxHV = 44,   // tenths of a volt
+    Gpio1 = 48,   // packed, see UnpackPolarity
     Gpio2 = 49,
     BLRRate = 50,
-    HVInhibit = 51,       // packed, bit 0 = enabled
+    HVInhibit = 51, // packed, bit 0 = enabled
 };
 
-constexpr int32_t ToInt(DeviceParamId id) { return static_cast<int32_t>(id); }
+constexpr int32_t ToInt(DeviceParamId id) {
+    return static_cast<int32_t>(id);
+}
 
 constexpr int32_t kConnectFlagsValue = 256; // written to ConnectFlags after opening
 
 // lCapabilities bits: which optional parameters the open device answers.
-constexpr int32_t kCapPresetMode = 2;      // id 30
-constexpr int32_t kCapPresetWindow = 4;    // ids 31/32
-constexpr int32_t kCapGpioLegacy = 8;      // id 34 used
-constexpr int32_t kCapInputCounts = 16;    // id 35
-constexpr int32_t kCapBLRRate = 32;        // id 50
-constexpr int32_t kCapPURGuard = 64;       // id 39
-constexpr int32_t kCapTRPGuard = 128;      // id 40
-constexpr int32_t kCapLTTrim = 0x100;      // id 41
-constexpr int32_t kCapGpio = 0x200;        // ids 48/49
-constexpr int32_t kCapAnalogPZ = 0x400;    // id 36
-constexpr int32_t kCapHVInhibit = 0x800;   // id 51
-constexpr int32_t kCapabilitiesStart = 7;  // read-all starts from this
+constexpr int32_t kCapPresetMode = 2;     // id 30
+constexpr int32_t kCapPresetWindow = 4;   // ids 31/32
+constexpr int32_t kCapGpioLegacy = 8;     // id 34 used
+constexpr int32_t kCapInputCounts = 16;   // id 35
+constexpr int32_t kCapBLRRate = 32;       // id 50
+constexpr int32_t kCapPURGuard = 64;      // id 39
+constexpr int32_t kCapTRPGuard = 128;     // id 40
+constexpr int32_t kCapLTTrim = 0x100;     // id 41
+constexpr int32_t kCapGpio = 0x200;       // ids 48/49
+constexpr int32_t kCapAnalogPZ = 0x400;   // id 36
+constexpr int32_t kCapHVInhibit = 0x800;  // id 51
+constexpr int32_t kCapabilitiesStart = 7; // read-all starts from this
 
 // PresetMode (id 30) bits.
 constexpr int32_t kPresetLiveTime = 1;
@@ -114,7 +116,9 @@ struct PolarityWord {
 };
 constexpr uint32_t kNegativePolarityBits = 0xFFFF8000u;
 PolarityWord UnpackPolarity(int32_t raw, int32_t functionMask = 0x7F);
-inline PolarityWord UnpackHVInhibit(int32_t raw) { return UnpackPolarity(raw, 1); }
+inline PolarityWord UnpackHVInhibit(int32_t raw) {
+    return UnpackPolarity(raw, 1);
+}
 // code | 0xFFFF8000 when `negative` is non-zero, else the plain code.
 int32_t PackPolarity(int32_t code, int32_t negative);
 

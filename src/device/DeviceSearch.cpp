@@ -57,16 +57,24 @@ bool DeviceSearch::chooseOpen(int selected, Messages& messages) {
     return true;
 }
 
-void DeviceSearch::chooseCancel() { m_choice.result = kDevicesCancel; }
+void DeviceSearch::chooseCancel() {
+    m_choice.result = kDevicesCancel;
+}
 
-int32_t DeviceSearch::close() { return m_lib.findDevicesEx(0, kSearchMaxDevices, false); }
+int32_t DeviceSearch::close() {
+    return m_lib.findDevicesEx(0, kSearchMaxDevices, false);
+}
 
 std::string DevicePathPrefix(int32_t type) {
     switch (type) {
-    case KORVHW_TYPE_HID: return "HID:";
-    case KORVHW_TYPE_USB: return "USB:";
-    case KORVHW_TYPE_ETH: return "ETH:";
-    default: return "";
+    case KORVHW_TYPE_HID:
+        return "HID:";
+    case KORVHW_TYPE_USB:
+        return "USB:";
+    case KORVHW_TYPE_ETH:
+        return "ETH:";
+    default:
+        return "";
     }
 }
 

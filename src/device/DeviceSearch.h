@@ -19,11 +19,11 @@ constexpr int kSearchIntervalMs = 1000; // tmrSearch
 // One row of lvDevices. Column keys "Name", "Path", "Serial", "Type"; captions "No",
 // "Device Name", "Location", "Serial No", "Type".
 struct DeviceRow {
-    int No = 0;          // row number from 1
+    int No = 0; // row number from 1
     std::string Name;
-    std::string Path;    // the library's path as reported, what OpenDevice takes
+    std::string Path; // the library's path as reported, what OpenDevice takes
     std::string Serial;
-    int32_t Type = 0;    // 1 HID, 2 USB, 3 ETH
+    int32_t Type = 0; // 1 HID, 2 USB, 3 ETH
 };
 
 // frmDevices result codes.

@@ -18,8 +18,8 @@
 #endif
 
 // Sizes fixed by the library's contract.
-constexpr int32_t KORVHW_TEXT_CAPACITY = 255;   // GetDeviceInfo text buffers
-constexpr int32_t KORVHW_PARAM_TEXT_BYTES = 64; // text parameters 0..4
+constexpr int32_t KORVHW_TEXT_CAPACITY = 255;    // GetDeviceInfo text buffers
+constexpr int32_t KORVHW_PARAM_TEXT_BYTES = 64;  // text parameters 0..4
 constexpr int32_t KORVHW_SPECTRUM_SLOTS = 16384; // ReadSpectrum writes at most this many
 constexpr int32_t KORVHW_SCOPE_SAMPLES = 1025;   // ReadScope writes this many int16 samples
 
@@ -29,7 +29,8 @@ constexpr int32_t KORVHW_TYPE_USB = 2;
 constexpr int32_t KORVHW_TYPE_ETH = 3;
 
 extern "C" {
-using FindDevicesEx_t = int32_t(KORVHW_CALL*)(int32_t reserved, int32_t maxDevices, int32_t restart);
+using FindDevicesEx_t = int32_t(KORVHW_CALL*)(int32_t reserved, int32_t maxDevices,
+                                              int32_t restart);
 using FindDevices_t = int32_t(KORVHW_CALL*)(int32_t reserved, int32_t maxDevices);
 using GetDeviceInfo_t = int32_t(KORVHW_CALL*)(int32_t index, char* path, int32_t pathCapacity,
                                               char* name, int32_t nameCapacity, char* serial,

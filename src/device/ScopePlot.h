@@ -8,9 +8,9 @@
 
 namespace vexo {
 
-constexpr int kScopeSamples = 1025;    // the trace buffer; only 0..1023 are drawn
+constexpr int kScopeSamples = 1025; // the trace buffer; only 0..1023 are drawn
 constexpr int kScopeDrawnSamples = 1024;
-constexpr int kScopeMargin = 20;       // drawing units on each side
+constexpr int kScopeMargin = 20;               // drawing units on each side
 constexpr int32_t kScopeTraceColor = 0x00FF00; // green, as red + 256 * green + 65536 * blue
 
 using ScopeTrace = std::array<int16_t, kScopeSamples>;

@@ -9,7 +9,9 @@ namespace vexo {
 // Coarse gain code 0..7 shows as x1..x128; digital gain code 0..10 as x1..x1024.
 constexpr int kCoarseGainCodes = 8;
 constexpr int kDigitalGainCodes = 11;
-constexpr int32_t GainFactor(int32_t code) { return code < 0 ? 1 : code > 30 ? 1 << 30 : 1 << code; }
+constexpr int32_t GainFactor(int32_t code) {
+    return code < 0 ? 1 : code > 30 ? 1 << 30 : 1 << code;
+}
 
 // Fine gain steps 0..fineGainMax as a factor 0.5 .. 1.5 (the middle step is x1.0).
 double FineGainFactor(int32_t steps, int32_t fineGainMax);

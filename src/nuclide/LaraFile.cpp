@@ -130,8 +130,8 @@ std::optional<int> LaraHalfLifeUnit(std::string_view unit) {
         int unit;
     };
     static constexpr Entry kUnits[] = {
-        {"ps", 1}, {"ns", 2}, {"us", 3}, {"\xC2\xB5s", 3}, {"ms", 4}, {"s", 5},
-        {"min", 6}, {"h", 7}, {"d", 8}, {"a", 9}, {"y", 9},
+        {"ps", 1},  {"ns", 2}, {"us", 3}, {"\xC2\xB5s", 3}, {"ms", 4}, {"s", 5},
+        {"min", 6}, {"h", 7},  {"d", 8},  {"a", 9},         {"y", 9},
     };
     for (const auto& e : kUnits)
         if (e.text == unit)

@@ -34,7 +34,7 @@ struct LaraNuclide {
     int atomicNumber = 0;  // Z
     double halfLife = 0.0; // in halfLifeUnit; 0 when the file gives none
     double halfLifeUnc = 0.0;
-    int halfLifeUnit = 0;  // our unit number 1..9 (see clsNuclide.h); 0 when none
+    int halfLifeUnit = 0;                // our unit number 1..9 (see clsNuclide.h); 0 when none
     std::vector<LaraEmission> emissions; // in file order (increasing energy)
 };
 

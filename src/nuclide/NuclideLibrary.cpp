@@ -17,7 +17,9 @@ namespace {
 
 constexpr std::string_view kIdentification = "fileid=vexo nuclide library";
 
-char LowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+char LowerAscii(char c) {
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 // Collects one field at a time (lower-cased) and tells whether any field held the
 // identification. A very long field is cut from the front, keeping enough of its tail
@@ -175,8 +177,7 @@ std::string LibrarySectionName(const clsNuclide& line) {
     } else {
         energy = LibraryNumberText(line.sEnergy); // "inf" / "nan": no digits to round
     }
-    return line.szElemName + std::to_string(line.nAtNum) + ":" + energy + ":" +
-           line.szDecayRadEx();
+    return line.szElemName + std::to_string(line.nAtNum) + ":" + energy + ":" + line.szDecayRadEx();
 }
 
 NuclideLibraryRead ReadNuclideLibrary(const std::filesystem::path& path) {

@@ -9,16 +9,29 @@ namespace vexo {
 namespace {
 
 constexpr std::array<RadiationRow, kRadiationRows> kRadiationTable{{
-    {"B+", BetaPlus},       {"B+ TOTAL", BetaPlus}, {"G ANH", Gamma},    {"G", Gamma},
-    {"E AU K", Electron},   {"B-", BetaMinus},      {"B- TOTAL", BetaMinus},
-    {"X K", XRay},          {"E CE K", Electron},   {"E CE L", Electron},
-    {"X KA1", XRay},        {"E AU L", Electron},   {"X KB", XRay},      {"X KA2", XRay},
-    {"X L", XRay},          {"E CE M+", Electron},  {"E CE M", Electron},
-    {"E CE N+", Electron},  {"A", Alpha},
+    {"B+", BetaPlus},
+    {"B+ TOTAL", BetaPlus},
+    {"G ANH", Gamma},
+    {"G", Gamma},
+    {"E AU K", Electron},
+    {"B-", BetaMinus},
+    {"B- TOTAL", BetaMinus},
+    {"X K", XRay},
+    {"E CE K", Electron},
+    {"E CE L", Electron},
+    {"X KA1", XRay},
+    {"E AU L", Electron},
+    {"X KB", XRay},
+    {"X KA2", XRay},
+    {"X L", XRay},
+    {"E CE M+", Electron},
+    {"E CE M", Electron},
+    {"E CE N+", Electron},
+    {"A", Alpha},
 }};
 
-constexpr std::array<const char*, 10> kUnitTexts{
-    "", " psec", " nsec", " usec", " msec", " sec", " min", " hrs", " days", " years"};
+constexpr std::array<const char*, 10> kUnitTexts{"",     " psec", " nsec", " usec", " msec",
+                                                 " sec", " min",  " hrs",  " days", " years"};
 
 // Single-precision factors built the way they are defined: powers of a thousand below
 // the second, 60 and 60 x 60 above it, then x 24 for days and x 365.24 for years.
@@ -72,7 +85,9 @@ std::optional<int> RadiationRowOfText(std::string_view text) {
     return std::nullopt;
 }
 
-std::string RadiationCode(int row) { return std::string(1, static_cast<char>(64 + row)); }
+std::string RadiationCode(int row) {
+    return std::string(1, static_cast<char>(64 + row));
+}
 
 const char* HalfLifeUnitText(int unit) {
     return (unit >= 1 && unit <= 9) ? kUnitTexts[unit] : "";
@@ -86,9 +101,13 @@ std::optional<int> HalfLifeUnitOfText(std::string_view text) {
     return std::nullopt;
 }
 
-std::string UnitCode(int unit) { return std::string(1, static_cast<char>(unit)); }
+std::string UnitCode(int unit) {
+    return std::string(1, static_cast<char>(unit));
+}
 
-float HalfLifeUnitFactor(int unit) { return (unit >= 1 && unit <= 9) ? kFactors.f[unit] : 0.0f; }
+float HalfLifeUnitFactor(int unit) {
+    return (unit >= 1 && unit <= 9) ? kFactors.f[unit] : 0.0f;
+}
 
 double HalfLifeConversion(int from, int to) {
     float toFactor = HalfLifeUnitFactor(to);

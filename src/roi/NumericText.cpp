@@ -13,11 +13,12 @@ namespace {
 
 // The text as one number, or nothing. StrictDouble already allows blanks around it and
 // refuses values beyond the double range.
-std::optional<double> WholeNumber(std::string_view text) { return StrictDouble(text); }
+std::optional<double> WholeNumber(std::string_view text) {
+    return StrictDouble(text);
+}
 
 // Rounded (ties to even) into [lo, hi], or 0 when the rounded value falls outside.
-template <typename T>
-T RoundedInto(std::string_view text) {
+template <typename T> T RoundedInto(std::string_view text) {
     const std::optional<double> value = WholeNumber(text);
     if (!value)
         return 0;
@@ -39,9 +40,13 @@ std::string FormatAuto(double value) {
     return FormatNumber(value, "0.00E+##");
 }
 
-int16_t SafeInt(std::string_view text) { return RoundedInto<int16_t>(text); }
+int16_t SafeInt(std::string_view text) {
+    return RoundedInto<int16_t>(text);
+}
 
-int32_t SafeLng(std::string_view text) { return RoundedInto<int32_t>(text); }
+int32_t SafeLng(std::string_view text) {
+    return RoundedInto<int32_t>(text);
+}
 
 float SafeSng(std::string_view text) {
     const std::optional<double> value = WholeNumber(text);
@@ -50,6 +55,8 @@ float SafeSng(std::string_view text) {
     return static_cast<float>(*value);
 }
 
-double SafeDbl(std::string_view text) { return WholeNumber(text).value_or(0.0); }
+double SafeDbl(std::string_view text) {
+    return WholeNumber(text).value_or(0.0);
+}
 
 } // namespace vexo

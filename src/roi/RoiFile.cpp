@@ -15,10 +15,8 @@ namespace {
 // Each banner line is 37 characters; the fourth tells a person editing the file which
 // decimal separator the reader accepts.
 constexpr const char* kBanner[] = {
-    "'''**********************************",
-    "'''******   Vexo ROI file   *********",
-    "'''**********************************",
-    "'''Note: Use . as decimal separator**",
+    "'''**********************************", "'''******   Vexo ROI file   *********",
+    "'''**********************************", "'''Note: Use . as decimal separator**",
     "'''**********************************",
 };
 
@@ -29,7 +27,9 @@ std::string Trim(const std::string& s) {
     return s.substr(first, s.find_last_not_of(' ') - first + 1);
 }
 
-std::string EnergyText(float keV) { return Trim(FormatSingle(keV, "0.00")); }
+std::string EnergyText(float keV) {
+    return Trim(FormatSingle(keV, "0.00"));
+}
 
 void WriteSection(TextFileWriter& out, const clsROI& roi, int position) {
     const std::string i = std::to_string(position);

@@ -10,7 +10,9 @@
 namespace vexo {
 namespace {
 
-std::string RateText(float cps) { return FormatSingle(cps, "0.0") + " CPS"; }
+std::string RateText(float cps) {
+    return FormatSingle(cps, "0.0") + " CPS";
+}
 
 // One-sigma Poisson uncertainty of a count; empty when the count cannot be one.
 std::string PoissonSigma(double counts) {

@@ -11,9 +11,9 @@ namespace vexo {
 
 // Result of re-analysing one ROI for the main window's read-out.
 struct RoiReadout {
-    bool ok = false;    // the analysis returned true and stored its results
-    std::string error;  // the error's text when the analysis raised; empty otherwise
-    RoiRates rates;     // counts per second (all 0 unless ok)
+    bool ok = false;   // the analysis returned true and stored its results
+    std::string error; // the error's text when the analysis raised; empty otherwise
+    RoiRates rates;    // counts per second (all 0 unless ok)
     // Read-out texts, filled only when ok (otherwise the window keeps what it showed):
     std::string netArea;  // lNET through FormatAuto
     std::string integral; // lInt through FormatAuto

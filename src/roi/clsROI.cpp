@@ -15,8 +15,8 @@
 //     per channel b1, the rates, BkgAtPosition and its four averaged sums), the others
 //     (height h, half level H, crossings xL/xR, width F, energies) stay in double until
 //     they are stored: near channel 16000 a float resolves only a thousandth of a channel,
-//     which would show in a width of a few channels. A finite double beyond float range is an OverflowError, an
-//     infinite or NaN result or a division by zero a FloatingPointError;
+//     which would show in a width of a few channels. A finite double beyond float range is an
+//     OverflowError, an infinite or NaN result or a division by zero a FloatingPointError;
 //   - float-to-integer conversions round to nearest, ties to even, range-checked.
 
 namespace vexo {
@@ -74,11 +74,11 @@ int32_t FloorToInt32(float x) {
 
 // One sweep over L..R with a 16-bit channel counter.
 struct Sweep {
-    int32_t S = 0;       // integral
-    double W = 0.0;      // counts weighted by channel + 1
-    int32_t M = 0;       // largest count
-    int16_t chnMax = 0;  // channel of the largest count (lowest on a tie)
-    int16_t n = 0;       // R - L + 1
+    int32_t S = 0;      // integral
+    double W = 0.0;     // counts weighted by channel + 1
+    int32_t M = 0;      // largest count
+    int16_t chnMax = 0; // channel of the largest count (lowest on a tie)
+    int16_t n = 0;      // R - L + 1
 };
 
 Sweep SweepRoi(const CountsView& y, int32_t L, int32_t R) {
@@ -104,7 +104,9 @@ Sweep SweepRoi(const CountsView& y, int32_t L, int32_t R) {
 }
 
 // Mean of two counts, rounded ties to even; the sum is 32-bit.
-int32_t RoundedMean(int32_t a, int32_t b) { return CLng(AddChecked(a, b) / 2.0); }
+int32_t RoundedMean(int32_t a, int32_t b) {
+    return CLng(AddChecked(a, b) / 2.0);
+}
 
 // Background level left of the ROI.
 int32_t LeftLevel(const CountsView& y, int32_t L) {
@@ -252,7 +254,9 @@ WidthEnergies WidthEnergiesOf(float c, double F, const EnergyCalibration& cal) {
 
 } // namespace
 
-int32_t clsROI::sBkgVal() const { return CLng(m_sBkgVal); }
+int32_t clsROI::sBkgVal() const {
+    return CLng(m_sBkgVal);
+}
 
 float BkgAtPosition(int32_t L, int32_t R, int16_t m, float x, const int32_t* lCounts,
                     std::size_t countsSize) {
@@ -278,8 +282,8 @@ float BkgAtPosition(int32_t L, int32_t R, int16_t m, float x, const int32_t* lCo
     XR = CSng(Divide(XR, m));
     if (XR - XL == 0.0f)
         return -1.0f;
-    return CSng(YL + (static_cast<double>(x) - XL) * Divide(static_cast<double>(YR) - YL,
-                                                            static_cast<double>(XR) - XL));
+    return CSng(YL + (static_cast<double>(x) - XL) *
+                         Divide(static_cast<double>(YR) - YL, static_cast<double>(XR) - XL));
 }
 
 bool clsROI::bComputeROI(float sTime, int16_t& nBkgChn, const int32_t* lCounts,

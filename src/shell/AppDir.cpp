@@ -48,7 +48,9 @@ const std::filesystem::path& AppDir() {
     return CurrentAppDir();
 }
 
-void SetAppDir(const std::filesystem::path& dir) { CurrentAppDir() = dir; }
+void SetAppDir(const std::filesystem::path& dir) {
+    CurrentAppDir() = dir;
+}
 
 std::string WithTrailingSeparator(const std::filesystem::path& dir) {
     std::string s = dir.string();

@@ -33,8 +33,9 @@ void CivilFromDays(long long z, int& y, int& m, int& d) {
 
 constexpr long long kSerialEpochDays = -25569; // 1899-12-30 relative to 1970-01-01
 
-const char* const kMonthNames[] = {"January", "February", "March",     "April",   "May",      "June",
-                                   "July",    "August",   "September", "October", "November", "December"};
+const char* const kMonthNames[] = {"January",   "February", "March",    "April",
+                                   "May",       "June",     "July",     "August",
+                                   "September", "October",  "November", "December"};
 const char* const kDayNames[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                  "Thursday", "Friday", "Saturday"};
 
@@ -44,8 +45,8 @@ double SerialFromParts(const DateTimeParts& p) {
     long long month0 = p.month - 1;
     long long year = p.year + (month0 >= 0 ? month0 / 12 : (month0 - 11) / 12);
     month0 = ((month0 % 12) + 12) % 12;
-    long long days = DaysFromCivil(year, static_cast<unsigned>(month0 + 1), 1) + (p.day - 1) -
-                     kSerialEpochDays;
+    long long days =
+        DaysFromCivil(year, static_cast<unsigned>(month0 + 1), 1) + (p.day - 1) - kSerialEpochDays;
     double seconds = p.hour * 3600.0 + p.minute * 60.0 + p.second;
     return static_cast<double>(days) + seconds / 86400.0;
 }

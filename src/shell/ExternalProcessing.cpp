@@ -61,7 +61,8 @@ std::string WithSeparator(std::string folder) {
 ProcessPlan PlanProcessing(const ProcessSettings& settings, const std::string& programFolder,
                            double now) {
     ProcessPlan plan;
-    plan.dataFolder = WithSeparator(settings.szDataDir.empty() ? programFolder : settings.szDataDir);
+    plan.dataFolder =
+        WithSeparator(settings.szDataDir.empty() ? programFolder : settings.szDataDir);
 
     std::string name = settings.szFileName.empty() ? "%T" : settings.szFileName;
     const std::string stamp = FormatSerial(now, "yyyymmdd") + "_" + FormatSerial(now, "HhNnSs");
@@ -71,7 +72,8 @@ ProcessPlan PlanProcessing(const ProcessSettings& settings, const std::string& p
     plan.fileName = name;
     plan.spectrumPath = plan.dataFolder + name;
 
-    plan.arguments = ReplaceAll(ReplaceAll(settings.szArguments, "%F", name), "%D", plan.dataFolder);
+    plan.arguments =
+        ReplaceAll(ReplaceAll(settings.szArguments, "%F", name), "%D", plan.dataFolder);
     plan.workingFolder = ReplaceAll(settings.szStartupDir, "%D", plan.dataFolder);
     if (plan.workingFolder.empty())
         plan.workingFolder = programFolder;

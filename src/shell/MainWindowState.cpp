@@ -6,8 +6,8 @@ namespace vexo {
 namespace {
 
 constexpr std::array<std::string_view, kToolButtonCount> kKeys = {
-    "tbConnect", "tbDisconnect", "tbOpen", "tbSave",  "tbPrint",  "tbStart",    "tbStop",
-    "tbClear",   "tbLin",        "tbLog",  "tbZoom",  "tbScope",  "tbSettings", "tbProcess"};
+    "tbConnect", "tbDisconnect", "tbOpen", "tbSave", "tbPrint", "tbStart",    "tbStop",
+    "tbClear",   "tbLin",        "tbLog",  "tbZoom", "tbScope", "tbSettings", "tbProcess"};
 
 // Builds one update while the rules of a code are applied to it.
 class UpdateBuilder {
@@ -54,9 +54,9 @@ void FullRefresh(UpdateBuilder& u) {
     u.scaleButtons();
     u.show(ToolButton::tbProcess, f.externalProcessing);
     u.panel(StatusPanel::Connection, "Not connected");
-    for (StatusPanel p : {StatusPanel::File, StatusPanel::Status, StatusPanel::Preset, StatusPanel::Elapsed,
-                          StatusPanel::CountRate, StatusPanel::Icr, StatusPanel::Batch,
-                          StatusPanel::BatchCounter})
+    for (StatusPanel p :
+         {StatusPanel::File, StatusPanel::Status, StatusPanel::Preset, StatusPanel::Elapsed,
+          StatusPanel::CountRate, StatusPanel::Icr, StatusPanel::Batch, StatusPanel::BatchCounter})
         u.panel(p, "");
     u.update().spectrumId = f.szSpectrumID;
     u.update().runCalibrate = f.xUnitMode != 0;
@@ -85,8 +85,7 @@ void DeviceState(UpdateBuilder& u, bool connectionDetails) {
 void ConnectionDetails(UpdateBuilder& u) {
     DeviceState(u, true);
     const MainWindowFlags& f = u.flags();
-    u.panel(StatusPanel::Connection,
-            "Connected to " + f.szDeviceName + " S/N " + f.szDeviceSerial);
+    u.panel(StatusPanel::Connection, "Connected to " + f.szDeviceName + " S/N " + f.szDeviceSerial);
     u.roiItems();
 }
 
@@ -122,47 +121,69 @@ void LoadedFromFile(UpdateBuilder& u) {
 
 } // namespace
 
-std::string_view ToolButtonKey(ToolButton button) { return kKeys[static_cast<int>(button)]; }
+std::string_view ToolButtonKey(ToolButton button) {
+    return kKeys[static_cast<int>(button)];
+}
 
 std::optional<ToolButton> ToolButtonFromKey(std::string_view key) {
     for (int i = 0; i < kToolButtonCount; ++i)
-        if (kKeys[i] == key) return static_cast<ToolButton>(i);
+        if (kKeys[i] == key)
+            return static_cast<ToolButton>(i);
     return std::nullopt;
 }
 
 std::optional<std::string> MainWindowUpdate::panelText(StatusPanel panel) const {
     std::optional<std::string> text;
     for (const PanelText& p : panels)
-        if (p.panel == panel) text = p.text; // the last one set wins
+        if (p.panel == panel)
+            text = p.text; // the last one set wins
     return text;
 }
 
 MainWindowUpdate RefreshMainWindow(int code, const MainWindowFlags& flags) {
     UpdateBuilder u(flags);
     switch (code) {
-    case 0: FullRefresh(u); break;
-    case 1: DeviceState(u, false); break;
-    case 2: AcquisitionState(u); break;
-    case 4: ConnectionDetails(u); break;
-    case 8: u.roiItems(); break;
-    case 16: OptionsAndBatch(u); break;
-    case 32: LoadedFromFile(u); break;
-    default: break;
+    case 0:
+        FullRefresh(u);
+        break;
+    case 1:
+        DeviceState(u, false);
+        break;
+    case 2:
+        AcquisitionState(u);
+        break;
+    case 4:
+        ConnectionDetails(u);
+        break;
+    case 8:
+        u.roiItems();
+        break;
+    case 16:
+        OptionsAndBatch(u);
+        break;
+    case 32:
+        LoadedFromFile(u);
+        break;
+    default:
+        break;
     }
     return u.update();
 }
 
 std::string BatchPanelText(const MainWindowFlags& f) {
-    if (!f.batchOn) return "BATCH OFF";
+    if (!f.batchOn)
+        return "BATCH OFF";
     if (f.batchWaiting)
         return "BATCH ON (Waiting : " + FormatSingle(f.batchWaitRemaining, "0.0") + ")";
     return "BATCH ON";
 }
 
 std::string BatchCounterText(const MainWindowFlags& f) {
-    if (!f.batchOn) return "";
+    if (!f.batchOn)
+        return "";
     std::string text = "Acq. done: " + std::to_string(f.batchDone);
-    if (!f.batchUntilStop) text += " of " + std::to_string(f.batchCount);
+    if (!f.batchUntilStop)
+        text += " of " + std::to_string(f.batchCount);
     return text;
 }
 
@@ -200,7 +221,8 @@ std::vector<MenuItemState> UpdateMenu(const MainWindowFlags& f) {
         {"mnuViewScope", f.connected, f.scopeShown},
         {"mnuToolsProcess", f.externalProcessing && haveSpectrum, {}},
     };
-    for (const std::string& key : RoiMenuItems()) items.push_back({key, f.roiCount > 0, {}});
+    for (const std::string& key : RoiMenuItems())
+        items.push_back({key, f.roiCount > 0, {}});
     return items;
 }
 

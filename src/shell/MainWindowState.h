@@ -13,8 +13,20 @@ namespace vexo {
 
 // The toolbar buttons, in toolbar order.
 enum class ToolButton {
-    tbConnect, tbDisconnect, tbOpen, tbSave, tbPrint, tbStart, tbStop, tbClear,
-    tbLin, tbLog, tbZoom, tbScope, tbSettings, tbProcess
+    tbConnect,
+    tbDisconnect,
+    tbOpen,
+    tbSave,
+    tbPrint,
+    tbStart,
+    tbStop,
+    tbClear,
+    tbLin,
+    tbLog,
+    tbZoom,
+    tbScope,
+    tbSettings,
+    tbProcess
 };
 constexpr int kToolButtonCount = 14;
 // The key of a button ("tbConnect" ...), as the toolbar dispatches it.
@@ -37,14 +49,14 @@ struct MainWindowFlags {
     bool externalProcessing = false;
     int roiCount = 0;
     bool scopeShown = false;
-    std::string szFileName;     // without folder
+    std::string szFileName; // without folder
     std::string szSpectrumID;
     std::string szDeviceName;
     std::string szDeviceSerial;
-    float countRate = 0.0f;      // counts per second
-    int batchDone = 0;           // measurements done in this batch
-    int batchCount = 0;          // measurements asked for
-    bool batchUntilStop = false; // endless batch: no " of N"
+    float countRate = 0.0f;          // counts per second
+    int batchDone = 0;               // measurements done in this batch
+    int batchCount = 0;              // measurements asked for
+    bool batchUntilStop = false;     // endless batch: no " of N"
     float batchWaitRemaining = 0.0f; // seconds left of the waiting interval
 };
 
@@ -56,7 +68,17 @@ struct ButtonUpdate {
 };
 
 // The status-bar panels and the texts an update puts into them.
-enum class StatusPanel { Connection, File, Status, Preset, Elapsed, CountRate, Icr, Batch, BatchCounter };
+enum class StatusPanel {
+    Connection,
+    File,
+    Status,
+    Preset,
+    Elapsed,
+    CountRate,
+    Icr,
+    Batch,
+    BatchCounter
+};
 constexpr int kStatusPanelCount = 9;
 
 struct PanelText {
@@ -68,10 +90,10 @@ struct PanelText {
 struct MainWindowUpdate {
     std::array<ButtonUpdate, kToolButtonCount> buttons{};
     std::optional<bool> toolbarShown;
-    std::vector<PanelText> panels;          // in the order they are to be set
-    std::optional<std::string> spectrumId;  // text for the spectrum-ID box
-    bool runCalibrate = false;              // push the calibration to the plots
-    std::optional<bool> roiItemsEnabled;    // set the ROI-dependent items
+    std::vector<PanelText> panels;         // in the order they are to be set
+    std::optional<std::string> spectrumId; // text for the spectrum-ID box
+    bool runCalibrate = false;             // push the calibration to the plots
+    std::optional<bool> roiItemsEnabled;   // set the ROI-dependent items
 
     const ButtonUpdate& button(ToolButton b) const { return buttons[static_cast<int>(b)]; }
     // The text set for `panel`, nullopt when the update leaves it alone.

@@ -124,7 +124,7 @@ std::string FormatScientific(double value, int sig) {
     DecimalDigits d = RoundToDecimals(m, 2);
     int exp10 = s.exponent - 1;
     if (d.integerPart.size() > 1) { // 9.995 -> 10.00 -> 1.00E+1
-        d.fractionPart = "00"; // only a carry makes two digits: the mantissa is exactly 10
+        d.fractionPart = "00";      // only a carry makes two digits: the mantissa is exactly 10
         d.integerPart = "1";
         ++exp10;
     }

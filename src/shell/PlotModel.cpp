@@ -10,19 +10,22 @@ namespace vexo {
 
 double AxisValue(int32_t ch, XUnit unit, const PlotState& plot, float sngDwellTime) {
     switch (unit) {
-    case XUnit::Channels: return ch;
+    case XUnit::Channels:
+        return ch;
     case XUnit::Energy: {
         const float c = static_cast<float>(ch);
         return (plot.sngQuad * c + plot.sngSlope) * c + plot.sngOffset;
     }
-    case XUnit::Time: return static_cast<double>(static_cast<float>(ch) * sngDwellTime);
+    case XUnit::Time:
+        return static_cast<double>(static_cast<float>(ch) * sngDwellTime);
     }
     return ch;
 }
 
 int32_t ChannelAtAxisValue(double value, int32_t first, int32_t last, XUnit unit,
                            const PlotState& plot, float sngDwellTime) {
-    if (first >= last) return first;
+    if (first >= last)
+        return first;
     auto at = [&](int32_t ch) { return AxisValue(ch, unit, plot, sngDwellTime); };
     const bool rising = at(last) >= at(first);
     // Binary search for the first channel at or past `value`, then take the nearer
@@ -35,15 +38,19 @@ int32_t ChannelAtAxisValue(double value, int32_t first, int32_t last, XUnit unit
         else
             hi = mid;
     }
-    if (lo > first && std::abs(at(lo - 1) - value) <= std::abs(at(lo) - value)) return lo - 1;
+    if (lo > first && std::abs(at(lo - 1) - value) <= std::abs(at(lo) - value))
+        return lo - 1;
     return lo;
 }
 
 double TransformCount(double counts, YScale scale) {
     switch (scale) {
-    case YScale::Linear: return counts;
-    case YScale::Log: return counts < 1.0 ? 0.0 : std::log10(counts);
-    case YScale::Sqrt: return counts < 0.0 ? 0.0 : std::sqrt(counts);
+    case YScale::Linear:
+        return counts;
+    case YScale::Log:
+        return counts < 1.0 ? 0.0 : std::log10(counts);
+    case YScale::Sqrt:
+        return counts < 0.0 ? 0.0 : std::sqrt(counts);
     }
     return counts;
 }
@@ -55,12 +62,14 @@ double RoundStep(double span, int wanted) {
     const double raw = span / wanted;
     const double decade = std::pow(10.0, std::floor(std::log10(raw)));
     for (double m : {1.0, 2.0, 5.0})
-        if (m * decade >= raw) return m * decade;
+        if (m * decade >= raw)
+            return m * decade;
     return 10.0 * decade;
 }
 
 std::string CountLabel(double counts) {
-    if (counts >= 1e6) return FormatNumber(counts, "0.00E+##");
+    if (counts >= 1e6)
+        return FormatNumber(counts, "0.00E+##");
     return FormatNumber(counts, "0");
 }
 
@@ -80,13 +89,14 @@ std::vector<AxisTick> YTicks(double maxCounts, YScale scale) {
     return ticks;
 }
 
-std::vector<PlotColumn> DecimateMinMax(std::span<const int32_t> counts, int32_t first,
-                                       int32_t last, int columns) {
+std::vector<PlotColumn> DecimateMinMax(std::span<const int32_t> counts, int32_t first, int32_t last,
+                                       int columns) {
     std::vector<PlotColumn> out;
     const int32_t size = static_cast<int32_t>(counts.size());
     first = std::max(first, 0);
     last = std::min(last, size - 1);
-    if (columns <= 0 || first > last) return out;
+    if (columns <= 0 || first > last)
+        return out;
     const int64_t n = static_cast<int64_t>(last) - first + 1;
     const int64_t cols = std::min<int64_t>(columns, n);
     out.reserve(static_cast<std::size_t>(cols));
@@ -105,7 +115,8 @@ std::vector<PlotColumn> DecimateMinMax(std::span<const int32_t> counts, int32_t 
 }
 
 std::optional<CursorReadout> UpdateInfo(const SpectrumDocument& doc, int32_t c) {
-    if (c < 0 || c > MAX_CHANNELS) return std::nullopt;
+    if (c < 0 || c > MAX_CHANNELS)
+        return std::nullopt;
     CursorReadout r;
     r.channel = "Channel " + std::to_string(c);
     r.counts = "Counts " + std::to_string(doc.lCounts[static_cast<std::size_t>(c)]);
@@ -125,7 +136,8 @@ std::optional<CursorReadout> UpdateInfo(const SpectrumDocument& doc, int32_t c) 
 }
 
 bool ZoomIn(ZoomState& zoom, int32_t markFirst, int32_t markLast, int32_t lChannels) {
-    if (zoom.zoomed) return false;
+    if (zoom.zoomed)
+        return false;
     const int32_t top = std::max(lChannels - 1, 0);
     const int32_t lo = std::clamp(std::min(markFirst, markLast), 0, top);
     const int32_t hi = std::clamp(std::max(markFirst, markLast), 0, top);
@@ -134,7 +146,8 @@ bool ZoomIn(ZoomState& zoom, int32_t markFirst, int32_t markLast, int32_t lChann
 }
 
 bool ZoomOut(ZoomState& zoom, int32_t lChannels) {
-    if (!zoom.zoomed) return false;
+    if (!zoom.zoomed)
+        return false;
     zoom = {false, 0, std::max(lChannels - 1, 0)};
     return true;
 }

@@ -56,8 +56,8 @@ struct PlotColumn {
 // [first + k·n / columns, first + (k+1)·n / columns) with n = last − first + 1. With no
 // more channels than columns every channel is its own column. Empty when the range or
 // `columns` is empty.
-std::vector<PlotColumn> DecimateMinMax(std::span<const int32_t> counts, int32_t first,
-                                       int32_t last, int columns);
+std::vector<PlotColumn> DecimateMinMax(std::span<const int32_t> counts, int32_t first, int32_t last,
+                                       int columns);
 
 // The cursor read-out lines of channel `c`: "Channel c", "Counts n", and the position
 // ("12.5 seconds" for MCS, "661.66 keV" when calibrated, else "Not calibrated").

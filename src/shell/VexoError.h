@@ -29,7 +29,8 @@ public:
 // A numbered run-time error, as the settings store raises error 52 (bad file name).
 class NumberedError : public std::runtime_error {
 public:
-    NumberedError(int number, const std::string& what) : std::runtime_error(what), m_number(number) {}
+    NumberedError(int number, const std::string& what)
+        : std::runtime_error(what), m_number(number) {}
     int number() const { return m_number; }
 
 private:

@@ -18,10 +18,18 @@ namespace {
 struct Fp {
     double v;
 };
-Fp operator+(Fp a, Fp b) { return {CheckFinite(a.v + b.v)}; }
-Fp operator-(Fp a, Fp b) { return {CheckFinite(a.v - b.v)}; }
-Fp operator*(Fp a, Fp b) { return {CheckFinite(a.v * b.v)}; }
-Fp operator/(Fp a, Fp b) { return {CheckFinite(a.v / b.v)}; }
+Fp operator+(Fp a, Fp b) {
+    return {CheckFinite(a.v + b.v)};
+}
+Fp operator-(Fp a, Fp b) {
+    return {CheckFinite(a.v - b.v)};
+}
+Fp operator*(Fp a, Fp b) {
+    return {CheckFinite(a.v * b.v)};
+}
+Fp operator/(Fp a, Fp b) {
+    return {CheckFinite(a.v / b.v)};
+}
 
 struct CalibrationPoint {
     int16_t channel;
@@ -134,9 +142,15 @@ CalibrationCompute Compute(const std::array<CalibrationRowText, 3>& rows,
 
 std::string AcceptQuestionText(const EnergyCalibration& cal) {
     return "Energy calibration successfully done.\r\n"
-           "Offset = " + FormatNumber(cal.dOffset, "0.0000") + " keV\r\n"
-           "Slope = " + FormatNumber(cal.dSlope, "0.0000") + " keV/chn\r\n"
-           "Quadratic = " + FormatNumber(cal.dQuad, "0.0000") + " keV/chn^2\r\n"
+           "Offset = " +
+           FormatNumber(cal.dOffset, "0.0000") +
+           " keV\r\n"
+           "Slope = " +
+           FormatNumber(cal.dSlope, "0.0000") +
+           " keV/chn\r\n"
+           "Quadratic = " +
+           FormatNumber(cal.dQuad, "0.0000") +
+           " keV/chn^2\r\n"
            "Accept this calibration?";
 }
 

@@ -10,12 +10,16 @@
 namespace vexo {
 namespace {
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // Where a number starting at `begin` ends, and what its digits say about its magnitude.
 struct NumberScan {
-    std::size_t end = 0;           // one past the number's last character; == start if none
+    std::size_t end = 0; // one past the number's last character; == start if none
     bool negative = false;
     std::size_t mantissaBegin = 0; // first digit or "." after the sign
     long long exponent = 0;        // explicit exponent, saturated far beyond any double

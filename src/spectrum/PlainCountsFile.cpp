@@ -1,10 +1,10 @@
 #include "spectrum/PlainCountsFile.h"
 
+#include "shell/FileBytes.h"
 #include "shell/NumberFormat.h"
 #include "shell/TextFile.h"
 #include "shell/VexoError.h"
 #include "spectrum/FieldReader.h"
-#include "shell/FileBytes.h"
 
 namespace vexo {
 

@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "shell/DateTime.h"
+#include "shell/FileBytes.h"
 #include "shell/Rounding.h"
 #include "shell/TextFile.h"
 #include "shell/VexoError.h"
 #include "spectrum/FieldReader.h"
-#include "shell/FileBytes.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo {

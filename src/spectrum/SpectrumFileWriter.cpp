@@ -2,9 +2,9 @@
 // buffer and written in one go; only the few text lines need converting.
 #include "shell/DateTime.h"
 #include "shell/FieldLine.h"
+#include "shell/FileBytes.h"
 #include "shell/TextFile.h"
 #include "shell/VexoError.h"
-#include "shell/FileBytes.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo {

@@ -12,7 +12,9 @@ using vexo::test::TempDir;
 
 namespace {
 
-std::filesystem::path LaraDir() { return vexo::test::SharedDir() / "nucdata" / "lara"; }
+std::filesystem::path LaraDir() {
+    return vexo::test::SharedDir() / "nucdata" / "lara";
+}
 
 int RunCli(const std::string& args, const TempDir& dir) {
     std::string command = (vexo::test::BinDir() / "vexo-cli").string() + " " + args + " >" +
@@ -26,8 +28,8 @@ int RunCli(const std::string& args, const TempDir& dir) {
 TEST(NuclibCommand, UsageErrorsExitWithTwo) {
     TempDir dir;
     EXPECT_EQ(RunCli("nuclib", dir), 2);
-    EXPECT_EQ(RunCli("nuclib --lara x --out y.nli", dir), 2);             // no nuclide
-    EXPECT_EQ(RunCli("nuclib --lara x Cs-137", dir), 2);                  // no --out
+    EXPECT_EQ(RunCli("nuclib --lara x --out y.nli", dir), 2); // no nuclide
+    EXPECT_EQ(RunCli("nuclib --lara x Cs-137", dir), 2);      // no --out
     EXPECT_EQ(RunCli("nuclib --lara x --out y --max-lines -1 Cs-137", dir), 2);
     EXPECT_EQ(RunCli("nuclib --lara x --out y --frobnicate Cs-137", dir), 2);
     EXPECT_EQ(RunCli("nuclib --lara x --out y ../etc/passwd", dir), 2);
@@ -63,9 +65,8 @@ TEST(NuclibCommand, WritesSelectedGammaLines) {
         names.push_back(LibrarySectionName(l));
     // Co-60 in energy order; Na-22 with its annihilation line; Eu-152's three strongest
     // lines at or above 5 %, in energy order.
-    std::vector<std::string> expected{"Co-6027:1173.23:G",   "Co-6027:1332.49:G",
-                                      "Na-2211:511:G ANH",   "Na-2211:1274.54:G",
-                                      "Eu-15263:121.78:G",   "Eu-15263:344.28:G",
+    std::vector<std::string> expected{"Co-6027:1173.23:G", "Co-6027:1332.49:G", "Na-2211:511:G ANH",
+                                      "Na-2211:1274.54:G", "Eu-15263:121.78:G", "Eu-15263:344.28:G",
                                       "Eu-15263:1408.01:G"};
     EXPECT_EQ(names, expected);
 }

@@ -36,8 +36,9 @@ protected:
     // Writes the configuration (a [Simulator] section with a step clock, a fixed seed
     // and this test's settings folder comes first) and loads the library.
     DeviceLibrary& Load(const std::string& deviceSections) {
-        const std::string text = "[Simulator]\nSeed=7\nClock=step\nSettingsDir=" +
-                                 (m_dir.path() / "settings").string() + "\n\n" + deviceSections;
+        const std::string text =
+            "[Simulator]\nSeed=7\nClock=step\nSettingsDir=" + (m_dir.path() / "settings").string() +
+            "\n\n" + deviceSections;
         WriteBytes(m_dir / "KORVHW.ini", text);
         setenv("VEXO_SIM_CONFIG", (m_dir / "KORVHW.ini").c_str(), 1);
         DeviceLibraryLoad load = DeviceLibrary::Load();
@@ -54,7 +55,8 @@ protected:
     }
     static std::string Model08(const std::string& firmware = "V3.2") {
         return "[Device1]\nSerial=08190233\nPath=192.168.0.42\nName=KORV MCA-8\nType=3\n"
-               "Firmware=" + firmware + "\nDetector=HPGe\nClockHz=25000000\nMaxHV=5000\n";
+               "Firmware=" +
+               firmware + "\nDetector=HPGe\nClockHz=25000000\nMaxHV=5000\n";
     }
     static std::string Model06() {
         return "[Device1]\nSerial=06110108\nPath=KORV-06-003\nName=KORV MCA-6\nType=1\n"

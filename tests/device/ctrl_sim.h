@@ -54,8 +54,8 @@ private:
 
 inline std::string SimConfigText(const SimDeviceSpec& d, const std::filesystem::path& settingsDir) {
     std::string t = "[Simulator]\nClock=step\nStepSeconds=0.5\nSeed=20240131\nSettingsDir=" +
-                    settingsDir.string() + "\n\n[Device1]\nPath=" + kSimPath + "\nSerial=" +
-                    d.serial + "\nSources=" + d.sources +
+                    settingsDir.string() + "\n\n[Device1]\nPath=" + kSimPath +
+                    "\nSerial=" + d.serial + "\nSources=" + d.sources +
                     "\nHVRampSeconds=" + std::to_string(d.hvRampSeconds) +
                     "\nHVInhibit=" + (d.hvInhibit ? "1" : "0") +
                     "\nHVOnAtPowerUp=" + (d.hvOnAtPowerUp ? "1" : "0") + "\n";

@@ -222,10 +222,8 @@ TEST(AcquisitionPanel, StatusTextPrecedence) {
     // HV switched on just now: the "10" model reports the ramp first; other models only
     // know the status word.
     const Case cases[] = {
-        {"10230417", false, false, "HV ramping"},
-        {"10230417", true, false, "HV Inhibit"},
-        {"10230417", false, true, "(Batch) HV ramping"},
-        {"08190233", false, false, "Stopped"},
+        {"10230417", false, false, "HV ramping"},        {"10230417", true, false, "HV Inhibit"},
+        {"10230417", false, true, "(Batch) HV ramping"}, {"08190233", false, false, "Stopped"},
         {"06110108", true, true, "(Batch) Stopped"},
     };
     for (const Case& c : cases) {

@@ -44,7 +44,8 @@ struct BatchRig {
                 saved.push_back(path);
         };
         bh.refreshMainWindow = [this](int code) { codes.push_back(code); };
-        batch = std::make_unique<BatchController>(*acq, &settings, appDir(), sim.dir().string(), bh);
+        batch =
+            std::make_unique<BatchController>(*acq, &settings, appDir(), sim.dir().string(), bh);
         acq->clear();
     }
     fs::path appDir() const { return sim.dir(); }
@@ -120,7 +121,7 @@ TEST(BatchSequence, NamesCarrySampleTimeAndTag) {
     r.batch->begin(s);
     r.runToEnd(200);
     EXPECT_EQ(r.filesOnDisk(), (std::vector<std::string>{"S17_20240131_142501_lab_0001.SPE",
-                                                        "S17_20240131_142501_lab_0002.SPE"}));
+                                                         "S17_20240131_142501_lab_0002.SPE"}));
     ASSERT_EQ(r.saved.size(), 2u);
     EXPECT_EQ(r.saved[0], r.out.string() + kSep + "S17_20240131_142501_lab_0001.SPE");
 }
@@ -200,7 +201,9 @@ TEST(BatchSequence, UntilStopRunsUntilTheUserConfirmsStop) {
     ASSERT_EQ(r.sim.messages.shown().size(), 1u);
     const Message& q = r.sim.messages.shown()[0];
     EXPECT_EQ(q.title, "Stop Batch Acquisition");
-    EXPECT_EQ(q.text, "You're under batch mode\r\nStop will abort the Batch sequence\r\nDo you want to Stop?");
+    EXPECT_EQ(
+        q.text,
+        "You're under batch mode\r\nStop will abort the Batch sequence\r\nDo you want to Stop?");
     EXPECT_EQ(q.icon, MsgIcon::Exclamation);
     EXPECT_EQ(q.buttons, MsgButtons::OkCancel);
 

@@ -14,7 +14,9 @@ namespace {
 
 const std::string kSep(1, static_cast<char>(std::filesystem::path::preferred_separator));
 
-double At20240131_142501() { return SerialFromParts({2024, 1, 31, 14, 25, 1}); }
+double At20240131_142501() {
+    return SerialFromParts({2024, 1, 31, 14, 25, 1});
+}
 
 } // namespace
 
@@ -83,7 +85,8 @@ TEST_F(BatchValidation, AcceptsAGoodWindow) {
 TEST_F(BatchValidation, StartReportsTheFirstProblemWithItsExactText) {
     const std::string folderText =
         "Please enter an existing subdirectory to store the spectra of the Batch";
-    const std::string countText = "Please enter a value for the number of measurements in the Batch";
+    const std::string countText =
+        "Please enter a value for the number of measurements in the Batch";
     const std::string waitText =
         "Please enter a value for the waiting interval time between measurements in the Batch";
     struct Case {
@@ -135,11 +138,13 @@ TEST_F(BatchValidation, LeavingTheFolderFieldUsesOneMessageForEmptyAndMissing) {
     f.folder = (dir.path() / "nope").string();
     auto e = ValidateBatchField(BatchField::Folder, f);
     ASSERT_TRUE(e.has_value());
-    EXPECT_EQ(e->message, "Please enter an existing subdirectory to store the spectra of the Batch");
+    EXPECT_EQ(e->message,
+              "Please enter an existing subdirectory to store the spectra of the Batch");
     f.folder = "";
     e = ValidateBatchField(BatchField::Folder, f);
     ASSERT_TRUE(e.has_value());
-    EXPECT_EQ(e->message, "Please enter an existing subdirectory to store the spectra of the Batch");
+    EXPECT_EQ(e->message,
+              "Please enter an existing subdirectory to store the spectra of the Batch");
 }
 
 TEST(BatchPanels, TextsForEachState) {
@@ -147,7 +152,8 @@ TEST(BatchPanels, TextsForEachState) {
     EXPECT_EQ(MakeBatchPanelTexts(false, false, 0, 0, false, 5).counter, "");
     EXPECT_EQ(MakeBatchPanelTexts(true, false, 0, 2, false, 5).batch, "BATCH ON");
     EXPECT_EQ(MakeBatchPanelTexts(true, true, 2.5f, 2, false, 5).batch, "BATCH ON (Waiting : 2.5)");
-    EXPECT_EQ(MakeBatchPanelTexts(true, true, 10.0f, 2, false, 5).batch, "BATCH ON (Waiting : 10.0)");
+    EXPECT_EQ(MakeBatchPanelTexts(true, true, 10.0f, 2, false, 5).batch,
+              "BATCH ON (Waiting : 10.0)");
     EXPECT_EQ(MakeBatchPanelTexts(true, false, 0, 2, false, 5).counter, "Acq. done: 2 of 5");
     EXPECT_EQ(MakeBatchPanelTexts(true, false, 0, 2, true, 5).counter, "Acq. done: 2");
 }

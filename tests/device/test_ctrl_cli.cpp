@@ -28,11 +28,11 @@ protected:
         test::WriteBytes(dir / "sim.ini", test::SimConfigText(spec, dir.path() / "settings"));
     }
     CliRun Run(const std::string& args) {
-        const std::string cmd = "VEXO_TICK_MS=0 VEXO_SIM_CONFIG='" + (dir / "sim.ini").string() +
-                                "' VEXO_DEVICE_LIBRARY='" + (test::BinDir() / "libKORVHW.so").string() +
-                                "' '" + (test::BinDir() / "vexo-cli").string() + "' " + args +
-                                " >'" + (dir / "out.txt").string() + "' 2>'" +
-                                (dir / "err.txt").string() + "'";
+        const std::string cmd =
+            "VEXO_TICK_MS=0 VEXO_SIM_CONFIG='" + (dir / "sim.ini").string() +
+            "' VEXO_DEVICE_LIBRARY='" + (test::BinDir() / "libKORVHW.so").string() + "' '" +
+            (test::BinDir() / "vexo-cli").string() + "' " + args + " >'" +
+            (dir / "out.txt").string() + "' 2>'" + (dir / "err.txt").string() + "'";
         const int status = std::system(cmd.c_str());
         CliRun r;
         r.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -49,8 +49,10 @@ protected:
 
 TEST_F(CliTest, AcquireMeasuresToThePresetAndSaves) {
     const fs::path spe = dir / "a.spe";
-    const CliRun r = Run("acquire " + Device() + " --preset live:4 --hv on --set lCoarseGain=2 "
-                         "--set sngHighVoltage=750 --out '" + spe.string() + "' --json");
+    const CliRun r = Run("acquire " + Device() +
+                         " --preset live:4 --hv on --set lCoarseGain=2 "
+                         "--set sngHighVoltage=750 --out '" +
+                         spe.string() + "' --json");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_NE(r.out.find("\"live\": 4.0"), std::string::npos) << r.out;
     for (const char* key : {"\"real\"", "\"deadTimePercent\"", "\"countRate\"",
@@ -66,7 +68,8 @@ TEST_F(CliTest, AcquireMeasuresToThePresetAndSaves) {
 
 TEST_F(CliTest, AcquireForeverStopsAfterTheGivenRealTime) {
     const fs::path spe = dir / "f.spe";
-    const CliRun r = Run("acquire " + Device() + " --preset forever:3 --out '" + spe.string() + "'");
+    const CliRun r =
+        Run("acquire " + Device() + " --preset forever:3 --out '" + spe.string() + "'");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     auto doc = std::make_unique<SpectrumDocument>();
     ASSERT_TRUE(bReadFullSpectrum(*doc, spe));
@@ -90,8 +93,8 @@ TEST_F(CliTest, UsageErrorsExitWithTwo) {
 }
 
 TEST_F(CliTest, UnknownDeviceFailsWithTheProgramsMessage) {
-    const CliRun r = Run("acquire --device USB:NOPE --preset live:1 --out '" +
-                         (dir / "n.spe").string() + "'");
+    const CliRun r =
+        Run("acquire --device USB:NOPE --preset live:1 --out '" + (dir / "n.spe").string() + "'");
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.err.find("Could not open MCA: Invalid device"), std::string::npos) << r.err;
     EXPECT_FALSE(fs::exists(dir / "n.spe"));
@@ -101,8 +104,8 @@ TEST_F(CliTest, LostDeviceDuringAcquireSavesNothing) {
     SimDeviceSpec spec;
     spec.disconnectAfter = 2.0;
     Configure(spec);
-    const CliRun r = Run("acquire " + Device() + " --preset live:30 --out '" +
-                         (dir / "l.spe").string() + "'");
+    const CliRun r =
+        Run("acquire " + Device() + " --preset live:30 --out '" + (dir / "l.spe").string() + "'");
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.err.find("Lost the connection to the MCA: Connection closed"), std::string::npos)
         << r.err;
@@ -113,8 +116,8 @@ TEST_F(CliTest, SilentDeviceEndsTheCommandInsteadOfHanging) {
     SimDeviceSpec spec;
     spec.failParam = "22:-12"; // every status poll fails, the link itself stays up
     Configure(spec);
-    const CliRun r = Run("acquire " + Device() + " --preset live:5 --out '" +
-                         (dir / "q.spe").string() + "'");
+    const CliRun r =
+        Run("acquire " + Device() + " --preset live:5 --out '" + (dir / "q.spe").string() + "'");
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.err.find("the device does not answer: Failed to receive data from device"),
               std::string::npos)
@@ -130,7 +133,8 @@ TEST_F(CliTest, BatchPrintsEachSavedFile) {
     const auto lines = SplitLines(r.out);
     ASSERT_EQ(lines.size(), 3u) << r.out;
     for (int i = 0; i < 3; ++i) {
-        const std::string expected = (dir / "b" / ("S9_run_000" + std::to_string(i + 1) + ".SPE")).string();
+        const std::string expected =
+            (dir / "b" / ("S9_run_000" + std::to_string(i + 1) + ".SPE")).string();
         EXPECT_EQ(lines[i], expected);
         auto doc = std::make_unique<SpectrumDocument>();
         ASSERT_TRUE(bReadFullSpectrum(*doc, expected));

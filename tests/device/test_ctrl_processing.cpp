@@ -152,7 +152,8 @@ TEST(ExternalProcessing, SavesThenStartsTheProgramInItsFolderWithoutAShell) {
     fs::create_directory(dir.path() / "work");
 
     const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
-    ASSERT_EQ(outcome.status, ProcessStatus::Started) << (messages.shown().empty() ? "" : messages.shown()[0].text);
+    ASSERT_EQ(outcome.status, ProcessStatus::Started)
+        << (messages.shown().empty() ? "" : messages.shown()[0].text);
     EXPECT_TRUE(messages.shown().empty());
     EXPECT_EQ(fs::current_path(), before); // changed back after starting
 
@@ -163,8 +164,7 @@ TEST(ExternalProcessing, SavesThenStartsTheProgramInItsFolderWithoutAShell) {
     const fs::path out = dir.path() / "work" / "out.txt";
     ASSERT_TRUE(WaitForFile(out));
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(test::ReadBytes(out),
-              "run_20241107_140509.spe|" + dir.path().string() + kSep + "\n");
+    EXPECT_EQ(test::ReadBytes(out), "run_20241107_140509.spe|" + dir.path().string() + kSep + "\n");
 }
 
 TEST(ExternalProcessing, SaveFailureStopsBeforeStarting) {
@@ -198,8 +198,8 @@ TEST(ExternalProcessing, ProgramThatCannotStartIsReportedAndTheFolderStaysWhereI
     const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
     EXPECT_EQ(outcome.status, ProcessStatus::LaunchFailed);
     ASSERT_EQ(messages.shown().size(), 1u);
-    EXPECT_EQ(messages.shown()[0].text, "Failed to execute application: No such file or directory: " +
-                                            s.szProgram);
+    EXPECT_EQ(messages.shown()[0].text,
+              "Failed to execute application: No such file or directory: " + s.szProgram);
     EXPECT_EQ(fs::current_path(), fs::canonical(dir.path()));
 }
 

@@ -49,7 +49,7 @@ TEST(ScopePlotData, ScalingFollowsTheFullScale) {
     const auto sixteen = PlotData(t, 1064, 440, 65536);
     EXPECT_EQ(twelve[0].y, 20);
     EXPECT_EQ(sixteen[0].y, 208); // 220 - 2048 * 400 / 65536 = 207.5, ties to even
-    EXPECT_EQ(sixteen[1].y, 20);       // 32767 * 400 / 65536 = 199.99 -> top edge
+    EXPECT_EQ(sixteen[1].y, 20);  // 32767 * 400 / 65536 = 199.99 -> top edge
 }
 
 TEST(ScopePlotData, RoundingTiesToEven) {

@@ -19,13 +19,13 @@ protected:
     void SetUp() override {
         if (!std::filesystem::exists(test::BinDir() / "libKORVHW.so"))
             GTEST_SKIP() << "simulated library not built";
-        test::WriteBytes(m_dir / "KORVHW.ini",
-                         "[Simulator]\nSeed=3\nClock=step\nSettingsDir=" +
-                             (m_dir / "settings").string() +
-                             "\n\n[Device1]\nSerial=10230417\nPath=KORV-10-001\nName=KORV "
-                             "MCA-10\nType=2\nFirmware=V3.4\n\n[Device2]\nSerial=06110108\n"
-                             "Path=KORV-06-003\nName=KORV MCA-6\nType=1\nFirmware=V2.1\n"
-                             "OpenFailures=1000\n");
+        test::WriteBytes(
+            m_dir / "KORVHW.ini",
+            "[Simulator]\nSeed=3\nClock=step\nSettingsDir=" + (m_dir / "settings").string() +
+                "\n\n[Device1]\nSerial=10230417\nPath=KORV-10-001\nName=KORV "
+                "MCA-10\nType=2\nFirmware=V3.4\n\n[Device2]\nSerial=06110108\n"
+                "Path=KORV-06-003\nName=KORV MCA-6\nType=1\nFirmware=V2.1\n"
+                "OpenFailures=1000\n");
     }
 
     // Runs vexo-cli with the simulated library and this test's configuration.
@@ -92,10 +92,9 @@ TEST_F(DeviceCliTest, FailuresAndUsage) {
 }
 
 TEST_F(DeviceCliTest, MissingLibraryIsAFailure) {
-    const std::string command = "VEXO_DEVICE_LIBRARY=/nowhere/libKORVHW.so '" +
-                                (test::BinDir() / "vexo-cli").string() +
-                                "' devices --ticks 1 --interval 0 >/dev/null 2>'" +
-                                (m_dir / "err.txt").string() + "'";
+    const std::string command =
+        "VEXO_DEVICE_LIBRARY=/nowhere/libKORVHW.so '" + (test::BinDir() / "vexo-cli").string() +
+        "' devices --ticks 1 --interval 0 >/dev/null 2>'" + (m_dir / "err.txt").string() + "'";
     const int status = std::system(command.c_str());
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 1);

@@ -34,7 +34,9 @@ private:
     std::string m_old;
 };
 
-std::filesystem::path SimulatedLibrary() { return test::BinDir() / "libKORVHW.so"; }
+std::filesystem::path SimulatedLibrary() {
+    return test::BinDir() / "libKORVHW.so";
+}
 
 TEST(DeviceLibraryLoader, MissingLibraryIsNamedInTheError) {
     test::TempDir dir;
@@ -88,16 +90,26 @@ TEST(DeviceLibraryLoader, SimulatedLibraryResolvesEveryExportAndLoadsTwice) {
     DeviceLibrary first(SimulatedLibrary());
     DeviceLibrary second(SimulatedLibrary());
     const KorvhwFunctions& fn = first.functions();
-    for (const void* p : {(const void*)fn.FindDevicesEx, (const void*)fn.FindDevices,
-                          (const void*)fn.GetDeviceInfo, (const void*)fn.OpenDevice,
-                          (const void*)fn.OpenDeviceEx, (const void*)fn.CloseDevice,
-                          (const void*)fn.GetParam, (const void*)fn.SetParam,
-                          (const void*)fn.StartAcquisition, (const void*)fn.StopAcquisition,
-                          (const void*)fn.ClearAll, (const void*)fn.ClearMemory,
-                          (const void*)fn.ClearTime, (const void*)fn.RestoreDefaults,
-                          (const void*)fn.GetAcquisitionStatus, (const void*)fn.ReadSpectrum,
-                          (const void*)fn.ArmScope, (const void*)fn.GetScopeStatus,
-                          (const void*)fn.ReadScope, (const void*)fn.SaveSettings})
+    for (const void* p : {(const void*)fn.FindDevicesEx,
+                          (const void*)fn.FindDevices,
+                          (const void*)fn.GetDeviceInfo,
+                          (const void*)fn.OpenDevice,
+                          (const void*)fn.OpenDeviceEx,
+                          (const void*)fn.CloseDevice,
+                          (const void*)fn.GetParam,
+                          (const void*)fn.SetParam,
+                          (const void*)fn.StartAcquisition,
+                          (const void*)fn.StopAcquisition,
+                          (const void*)fn.ClearAll,
+                          (const void*)fn.ClearMemory,
+                          (const void*)fn.ClearTime,
+                          (const void*)fn.RestoreDefaults,
+                          (const void*)fn.GetAcquisitionStatus,
+                          (const void*)fn.ReadSpectrum,
+                          (const void*)fn.ArmScope,
+                          (const void*)fn.GetScopeStatus,
+                          (const void*)fn.ReadScope,
+                          (const void*)fn.SaveSettings})
         EXPECT_NE(p, nullptr);
     EXPECT_EQ(first.functions().OpenDevice, second.functions().OpenDevice);
     // A call on a handle that was never opened is refused with a status, not a crash.
@@ -108,12 +120,13 @@ TEST(DeviceLibraryLoader, SimulatedLibraryResolvesEveryExportAndLoadsTwice) {
 // Builds a shared library exporting every device operation except `missing`, with the
 // system's C compiler; returns an empty path when no compiler is available.
 std::filesystem::path BuildLibraryWithout(const test::TempDir& dir, const std::string& missing) {
-    const char* names[] = {"FindDevicesEx", "FindDevices", "GetDeviceInfo", "OpenDevice",
-                           "OpenDeviceEx", "CloseDevice", "GetParam", "SetParam",
-                           "StartAcquisition", "StopAcquisition", "ClearAll", "ClearMemory",
-                           "ClearTime", "RestoreDefaults", "GetAcquisitionStatus",
-                           "ReadSpectrum", "ArmScope", "GetScopeStatus", "ReadScope",
-                           "SaveSettings"};
+    const char* names[] = {"FindDevicesEx",   "FindDevices",     "GetDeviceInfo",
+                           "OpenDevice",      "OpenDeviceEx",    "CloseDevice",
+                           "GetParam",        "SetParam",        "StartAcquisition",
+                           "StopAcquisition", "ClearAll",        "ClearMemory",
+                           "ClearTime",       "RestoreDefaults", "GetAcquisitionStatus",
+                           "ReadSpectrum",    "ArmScope",        "GetScopeStatus",
+                           "ReadScope",       "SaveSettings"};
     std::string source;
     for (const char* name : names)
         if (missing != name)

@@ -3,9 +3,9 @@
 // the remembered detector path.
 #include <gtest/gtest.h>
 
+#include "device/DeviceIO.h"
 #include "device/DeviceParams.h"
 #include "device/DeviceSearch.h"
-#include "device/DeviceIO.h"
 #include "shell/DateTime.h"
 
 namespace vexo {
@@ -81,8 +81,8 @@ TEST(Polarity, UnpackReadsFunctionAndAnyHighBitAsNegative) {
         int32_t function;
         int32_t negative;
     } table[] = {
-        {0x0000800Au, 10, 1}, {0x0000000Au, 10, 0}, {0xFFFF800Au, 10, 1},
-        {0x00010000u, 0, 1},  {0x80000000u, 0, 1},  {0x00004000u, 0, 0},
+        {0x0000800Au, 10, 1},  {0x0000000Au, 10, 0},  {0xFFFF800Au, 10, 1},
+        {0x00010000u, 0, 1},   {0x80000000u, 0, 1},   {0x00004000u, 0, 0},
         {0x0000007Fu, 127, 0}, {0x000000FFu, 127, 0}, {0x00007F85u, 5, 0},
     };
     for (const auto& row : table) {
@@ -116,9 +116,8 @@ TEST(FirmwareVersion, Parsing) {
         const char* text;
         int16_t major, minor;
     } table[] = {
-        {"V3.4", 3, 4}, {"V3.2", 3, 2}, {"V10.12", 10, 12}, {"V4", 4, 0},
-        {"3.4", 0, 4},  {"v3.4", 0, 4}, {"", 0, 0},         {"Vx.y", 0, 0},
-        {"V3.4.1", 3, 4},
+        {"V3.4", 3, 4}, {"V3.2", 3, 2}, {"V10.12", 10, 12}, {"V4", 4, 0},     {"3.4", 0, 4},
+        {"v3.4", 0, 4}, {"", 0, 0},     {"Vx.y", 0, 0},     {"V3.4.1", 3, 4},
     };
     for (const auto& row : table) {
         const FirmwareVersion v = ParseFirmwareVersion(row.text);
@@ -143,7 +142,7 @@ TEST(FineGainMax, ModelAndFirmwareRules) {
         int16_t major, minor;
         int32_t max;
     } table[] = {
-        {"10", 3, 4, 16383}, {"10", 3, 3, 16383}, {"10", 3, 2, 4095}, {"10", 4, 0, 16383},
+        {"10", 3, 4, 16383}, {"10", 3, 3, 16383}, {"10", 3, 2, 4095},  {"10", 4, 0, 16383},
         {"08", 3, 2, 4095},  {"08", 3, 3, 16383}, {"08", 4, 0, 16383}, {"08", 2, 9, 4095},
         {"06", 4, 0, 4095},  {"06", 9, 9, 4095},  {"", 4, 0, 4095},    {"1", 4, 0, 4095},
     };
@@ -162,7 +161,7 @@ TEST(LegacyPresetWord, RoundedPresetTimeAndOne) {
     const struct {
         float seconds;
         int32_t word;
-    } table[] = {{0.0f, 0}, {1.0f, 1}, {2.0f, 0}, {2.5f, 0}, {3.5f, 0}, {4.5f, 0},
+    } table[] = {{0.0f, 0}, {1.0f, 1}, {2.0f, 0},   {2.5f, 0},   {3.5f, 0},  {4.5f, 0},
                  {1.4f, 1}, {1.6f, 0}, {299.0f, 1}, {300.0f, 0}, {1e30f, 0}, {-3.0f, 1}};
     for (const auto& row : table)
         EXPECT_EQ(LegacyPresetWord(row.seconds), row.word) << row.seconds;

@@ -31,9 +31,8 @@ protected:
     ScriptedMessages m_messages;
 };
 
-constexpr int32_t kAllOfModel10 = 7 | kCapInputCounts | kCapBLRRate | kCapPURGuard |
-                                  kCapTRPGuard | kCapLTTrim | kCapGpio | kCapAnalogPZ |
-                                  kCapHVInhibit;
+constexpr int32_t kAllOfModel10 = 7 | kCapInputCounts | kCapBLRRate | kCapPURGuard | kCapTRPGuard |
+                                  kCapLTTrim | kCapGpio | kCapAnalogPZ | kCapHVInhibit;
 
 TEST_F(ReadAllTest, CurrentModelTenAnswersEveryOptionalId) {
     Load(Model10());
@@ -182,8 +181,8 @@ TEST_F(ReadAllTest, FailingOptionalReadsClearTheirBitsAndFields) {
     m_doc->lPURGuard = 5;
     m_doc->lGPIO2Func = 9;
     Connect("KORV-10-001");
-    EXPECT_EQ(m_doc->lCapabilities & (kCapPURGuard | kCapGpio | kCapHVInhibit | kCapGpioLegacy |
-                                      kCapInputCounts),
+    EXPECT_EQ(m_doc->lCapabilities &
+                  (kCapPURGuard | kCapGpio | kCapHVInhibit | kCapGpioLegacy | kCapInputCounts),
               0);
     EXPECT_EQ(m_doc->lPURGuard, 0);
     EXPECT_EQ(m_doc->lGPIO2Func, 0);

@@ -26,8 +26,8 @@ protected:
     // One model-10 NaI detector with Cs-137 at the given rate; HV on and settled.
     int32_t OpenCs(double rateCps, const std::string& extra = "") {
         UseConfig(DeviceSection(1, "10000001", "A",
-                                "Sources=Cs-137:" + std::to_string(rateCps) + "\r\nNoiseRate=0\r\n" +
-                                    extra));
+                                "Sources=Cs-137:" + std::to_string(rateCps) +
+                                    "\r\nNoiseRate=0\r\n" + extra));
         return Open("A");
     }
     // Runs for the given number of status polls and reads the spectrum.
@@ -108,7 +108,8 @@ TEST_F(KorvhwAcquisition, WithoutPresetItAcquiresUntilStopped) {
 }
 
 TEST_F(KorvhwAcquisition, OldModelUsesTheLegacyPresetWord) {
-    UseConfig(DeviceSection(1, "06000001", "OLD", "Sources=Cs-137:50000\r\nNoiseRate=0\r\nClockHz=0"));
+    UseConfig(
+        DeviceSection(1, "06000001", "OLD", "Sources=Cs-137:50000\r\nNoiseRate=0\r\nClockHz=0"));
     const int32_t h = Open("OLD");
     EXPECT_EQ(SetInt(h, 30, 3), -7);
     ASSERT_EQ(SetInt(h, 10, 1), 0); // bit 0: live time
@@ -205,9 +206,10 @@ TEST_F(KorvhwAcquisition, GermaniumNeedsItsBias) {
 }
 
 TEST_F(KorvhwAcquisition, RampAndInhibitShowInTheHighVoltageWord) {
-    UseConfig("[Device1]\r\nSerial=10000001\r\nPath=A\r\nHVRampSeconds=2\r\nSources=Cs-137:20000\r\n"
-              "[Device2]\r\nSerial=08000002\r\nPath=B\r\nHVRampSeconds=2\r\n"
-              "[Device3]\r\nSerial=10000003\r\nPath=C\r\nHVInhibit=1\r\nHVOnAtPowerUp=1\r\n");
+    UseConfig(
+        "[Device1]\r\nSerial=10000001\r\nPath=A\r\nHVRampSeconds=2\r\nSources=Cs-137:20000\r\n"
+        "[Device2]\r\nSerial=08000002\r\nPath=B\r\nHVRampSeconds=2\r\n"
+        "[Device3]\r\nSerial=10000003\r\nPath=C\r\nHVInhibit=1\r\nHVOnAtPowerUp=1\r\n");
     const int32_t a = Open("A"), b = Open("B"), c = Open("C");
     int32_t word = 0;
     ASSERT_EQ(SetInt(a, 22, 1), 0);

@@ -46,7 +46,8 @@ TEST_F(KorvhwDiscovery, InfoRowsOfTheBuiltInSet) {
         const char* model;
         int32_t type;
     };
-    const Expected expected[] = {{"10", KORVHW_TYPE_USB}, {"08", KORVHW_TYPE_ETH}, {"06", KORVHW_TYPE_HID}};
+    const Expected expected[] = {
+        {"10", KORVHW_TYPE_USB}, {"08", KORVHW_TYPE_ETH}, {"06", KORVHW_TYPE_HID}};
     for (int32_t i = 0; i < 3; ++i) {
         const InfoRow row = Info(lib(), i);
         ASSERT_EQ(row.status, 0) << i;

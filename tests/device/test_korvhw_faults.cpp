@@ -64,7 +64,8 @@ TEST_F(KorvhwFaults, ShareOfSpectrumReadsFails) {
         int lo, hi; // failures out of 1000
     };
     for (const Case& c : {Case{"0", 0, 0}, Case{"0.3", 250, 350}, Case{"1", 1000, 1000}}) {
-        UseConfig(DeviceSection(1, "10000001", "A", std::string("ReadSpectrumFailShare=") + c.share));
+        UseConfig(
+            DeviceSection(1, "10000001", "A", std::string("ReadSpectrumFailShare=") + c.share));
         const int32_t h = Open("A");
         int failures = 0;
         for (int i = 0; i < 1000; ++i) {

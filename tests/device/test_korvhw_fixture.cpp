@@ -9,8 +9,7 @@ namespace vexo::test {
 
 namespace {
 
-template <class T>
-void Resolve(KorvhwLib& lib, T& slot, const char* name) {
+template <class T> void Resolve(KorvhwLib& lib, T& slot, const char* name) {
     slot = reinterpret_cast<T>(dlsym(lib.handle, name));
     if (!slot && lib.error.empty())
         lib.error = std::string("missing export ") + name;

@@ -16,9 +16,10 @@ protected:
     // its trigger pulse.
     void SetUp() override {
         KorvhwTest::SetUp();
-        UseConfig(DeviceSection(1, "10000001", "A", "Sources=Cs-137:50\r\nNoiseRate=0") +
-                  DeviceSection(2, "06000002", "B", "Sources=Cs-137:50\r\nNoiseRate=0") +
-                  DeviceSection(3, "08000003", "C", "Sources=Co-60:50\r\nNoiseRate=0\r\nDetector=HPGe"));
+        UseConfig(
+            DeviceSection(1, "10000001", "A", "Sources=Cs-137:50\r\nNoiseRate=0") +
+            DeviceSection(2, "06000002", "B", "Sources=Cs-137:50\r\nNoiseRate=0") +
+            DeviceSection(3, "08000003", "C", "Sources=Co-60:50\r\nNoiseRate=0\r\nDetector=HPGe"));
     }
     int32_t ScopeStatus(int32_t h) {
         int32_t status = -1;

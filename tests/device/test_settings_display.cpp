@@ -15,7 +15,8 @@ TEST(SettingsDisplay, GainFactors) {
     EXPECT_EQ(FineGainSteps(1.0, 4096), 2048);
     EXPECT_EQ(FineGainSteps(9.0, 4095), 4095);
     EXPECT_EQ(FineGainSteps(0.1, 16383), 0);
-    for (int32_t s : {0, 1, 777, 8191, 16383}) EXPECT_EQ(FineGainSteps(FineGainFactor(s, 16383), 16383), s);
+    for (int32_t s : {0, 1, 777, 8191, 16383})
+        EXPECT_EQ(FineGainSteps(FineGainFactor(s, 16383), 16383), s);
 }
 
 TEST(SettingsDisplay, ShapingTimesInMicroseconds) {
@@ -27,7 +28,8 @@ TEST(SettingsDisplay, ShapingTimesInMicroseconds) {
 }
 
 TEST(SettingsDisplay, PresetModeKeepsTheExternalBit) {
-    const PresetChoice c = PresetChoiceFrom(kPresetLiveTime | kPresetTimeActive | kPresetExternalGpio);
+    const PresetChoice c =
+        PresetChoiceFrom(kPresetLiveTime | kPresetTimeActive | kPresetExternalGpio);
     EXPECT_TRUE(c.timeActive);
     EXPECT_TRUE(c.liveTime);
     EXPECT_FALSE(c.countsActive);

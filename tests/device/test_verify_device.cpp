@@ -38,8 +38,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path RecorderPath() { return BinDir() / "libKorvhwRecorder.so"; }
-fs::path SimulatorPath() { return BinDir() / "libKORVHW.so"; }
+fs::path RecorderPath() {
+    return BinDir() / "libKorvhwRecorder.so";
+}
+fs::path SimulatorPath() {
+    return BinDir() / "libKORVHW.so";
+}
 
 std::string Model10(const std::string& extra = "") {
     return "[Device1]\nSerial=10230417\nPath=KORV-10-001\nName=KORV MCA-10\nType=2\n"
@@ -48,7 +52,8 @@ std::string Model10(const std::string& extra = "") {
 }
 std::string Model06(const std::string& extra = "") {
     return "[Device1]\nSerial=06110108\nPath=KORV-06-003\nName=KORV MCA-6\nType=1\n"
-           "Firmware=V2.1\nMaxHV=0\nClockHz=0\nHVOnAtPowerUp=1\nHVRampSeconds=0\n" + extra;
+           "Firmware=V2.1\nMaxHV=0\nClockHz=0\nHVOnAtPowerUp=1\nHVRampSeconds=0\n" +
+           extra;
 }
 
 // The simulated analyser behind the logging library, with a fresh configuration.
@@ -70,8 +75,8 @@ protected:
                                          "SettingsDir=" +
                                              (m_dir.path() / "settings").string() + "\n\n" +
                                              devices);
-        m_env.push_back(std::make_unique<ScopedEnvVar>("VEXO_SIM_CONFIG",
-                                                       (m_dir / "korvhw.ini").string()));
+        m_env.push_back(
+            std::make_unique<ScopedEnvVar>("VEXO_SIM_CONFIG", (m_dir / "korvhw.ini").string()));
         m_env.push_back(
             std::make_unique<ScopedEnvVar>("VEXO_RECORDER_TARGET", SimulatorPath().string()));
         m_env.push_back(
@@ -150,8 +155,9 @@ TEST_F(Recorded, OpenReadsIdentityThenEveryParameterInTheFixedOrder) {
     const auto expected = Join({
         {"OpenDevice", "SetParam 23"},
         Params("GetParam", {0, 1, 4, 2, 3}),
-        Params("GetParam", {6, 5, 30, 35, 39, 40, 41, 36, 50, 48, 49, 51, 9, 9, 28, 13, 14, 12,
-                            15, 16, 17, 18, 7, 8, 7, 8, 31, 32, 11, 19, 20, 21, 22, 25, 42, 44}),
+        Params("GetParam",
+               {6,  5,  30, 35, 39, 40, 41, 36, 50, 48, 49, 51, 9,  9,  28, 13, 14, 12,
+                15, 16, 17, 18, 7,  8,  7,  8,  31, 32, 11, 19, 20, 21, 22, 25, 42, 44}),
     });
     EXPECT_EQ(Ops(), expected);
     EXPECT_EQ(Written(23), std::vector<int32_t>{256});
@@ -166,8 +172,8 @@ TEST_F(Recorded, ReadAllOfAnOldModelTakesTheLegacyRoutes) {
     const auto expected = Join({
         {"OpenDevice", "SetParam 23"},
         Params("GetParam", {0, 1, 4, 2, 3}),
-        Params("GetParam", {6, 5, 30, 10, 35, 39, 40, 41, 36, 50, 48, 34, 9, 9, 28, 13, 14, 12,
-                            15, 16, 17, 18, 7, 8, 7, 8, 11, 19, 20, 21, 22, 25, 42, 44}),
+        Params("GetParam", {6,  5,  30, 10, 35, 39, 40, 41, 36, 50, 48, 34, 9,  9,  28, 13, 14,
+                            12, 15, 16, 17, 18, 7,  8,  7,  8,  11, 19, 20, 21, 22, 25, 42, 44}),
     });
     EXPECT_EQ(Ops(), expected);
     EXPECT_EQ(m_doc->lCapabilities, 5 | 8);
@@ -194,8 +200,8 @@ TEST_F(Recorded, WriteAllSendsEveryParameterInTheFixedOrder) {
     d.bGPIO1Neg = 1;
     WriteAllParams(*m_lib, d);
     const auto ops = Ops();
-    const auto head = Params("SetParam", {6, 26, 5, 30, 28, 31, 32, 13, 14, 12, 15, 16, 17, 18, 9,
-                                          7, 8, 11, 19, 20, 21, 22, 25, 41, 36, 39, 40, 50});
+    const auto head = Params("SetParam", {6, 26, 5, 30, 28, 31, 32, 13, 14, 12, 15, 16, 17, 18,
+                                          9, 7,  8, 11, 19, 20, 21, 22, 25, 41, 36, 39, 40, 50});
     ASSERT_GE(ops.size(), head.size());
     EXPECT_EQ(std::vector<std::string>(ops.begin(), ops.begin() + head.size()), head);
     // Then the GPIO lines with the preset word again, and the HV inhibit input last.
@@ -245,8 +251,8 @@ TEST_F(Recorded, WriteAllOfAnOldModelSendsTheLegacyWord) {
     d.sngPresetTime = 3.0f;
     d.lGPIO1Func = 1;
     WriteAllParams(*m_lib, d);
-    const auto expected = Params("SetParam", {6, 26, 5, 10, 13, 14, 12, 15, 16, 17, 18, 9, 7, 8,
-                                              11, 19, 20, 21, 22, 25, 34});
+    const auto expected = Params("SetParam", {6, 26, 5, 10, 13, 14, 12, 15, 16, 17, 18,
+                                              9, 7,  8, 11, 19, 20, 21, 22, 25, 34});
     EXPECT_EQ(Ops(), expected);
     EXPECT_EQ(Written(10), std::vector<int32_t>{1});
     Forget();
@@ -324,8 +330,8 @@ TEST_F(Recorded, ScopeCycleSelectsPollsReadsAndRearms) {
     m_lib->getAcquisitionStatus(m_doc->hDevice, status);
     Forget();
     ASSERT_TRUE(scope.DisplayWaveform());
-    EXPECT_EQ(Ops(), (std::vector<std::string>{"SetParam 24", "GetScopeStatus", "ReadScope",
-                                               "ArmScope"}));
+    EXPECT_EQ(Ops(),
+              (std::vector<std::string>{"SetParam 24", "GetScopeStatus", "ReadScope", "ArmScope"}));
     EXPECT_EQ(Written(24), std::vector<int32_t>{7});
     Forget();
     scope.setSource(ScopeSource::Filtered);
@@ -454,8 +460,9 @@ TEST(VerifyTexts, StopDuringABatchAsksFirst) {
     ASSERT_EQ(sim.messages.shown().size(), 1u);
     const Message& q = sim.messages.shown()[0];
     EXPECT_EQ(q.title, "Stop Batch Acquisition");
-    EXPECT_EQ(q.text,
-              "You're under batch mode\r\nStop will abort the Batch sequence\r\nDo you want to Stop?");
+    EXPECT_EQ(
+        q.text,
+        "You're under batch mode\r\nStop will abort the Batch sequence\r\nDo you want to Stop?");
     EXPECT_EQ(q.icon, MsgIcon::Exclamation);
     EXPECT_EQ(q.buttons, MsgButtons::OkCancel);
     EXPECT_TRUE(batch.bBatchMode());
@@ -510,14 +517,16 @@ TEST(VerifyTexts, BatchWindowMessages) {
     f.folder = "";
     auto e = ValidateBatchStart(f);
     ASSERT_TRUE(e);
-    EXPECT_EQ(e->message, "Please enter an existing subdirectory to store the spectra of the Batch");
+    EXPECT_EQ(e->message,
+              "Please enter an existing subdirectory to store the spectra of the Batch");
     f.folder = (dir.path() / "missing").string();
     e = ValidateBatchStart(f);
     ASSERT_TRUE(e);
     EXPECT_EQ(e->message, "Sub-directory not found");
     e = ValidateBatchField(BatchField::Folder, f);
     ASSERT_TRUE(e);
-    EXPECT_EQ(e->message, "Please enter an existing subdirectory to store the spectra of the Batch");
+    EXPECT_EQ(e->message,
+              "Please enter an existing subdirectory to store the spectra of the Batch");
     f.folder = dir.path().string();
     f.count = "";
     e = ValidateBatchStart(f);
@@ -528,8 +537,9 @@ TEST(VerifyTexts, BatchWindowMessages) {
     f.wait = "";
     e = ValidateBatchStart(f);
     ASSERT_TRUE(e);
-    EXPECT_EQ(e->message,
-              "Please enter a value for the waiting interval time between measurements in the Batch");
+    EXPECT_EQ(
+        e->message,
+        "Please enter a value for the waiting interval time between measurements in the Batch");
     EXPECT_STREQ(kBatchSettingsTitle, "Batch Settings");
 }
 
@@ -572,9 +582,10 @@ int RunCli(const fs::path& dir, const std::string& config, const std::string& ar
     WriteBytes(dir / "sim.ini", "[Simulator]\nSeed=5\nClock=step\nStepSeconds=0.5\nSettingsDir=" +
                                     (dir / "settings").string() + "\n\n" + config);
     const std::string cmd = "VEXO_TICK_MS=0 VEXO_SIM_CONFIG='" + (dir / "sim.ini").string() +
-                            "' VEXO_DEVICE_LIBRARY='" + SimulatorPath().string() + "' timeout 60 '" +
-                            (BinDir() / "vexo-cli").string() + "' " + args + " >'" +
-                            (dir / "out.txt").string() + "' 2>'" + (dir / "err.txt").string() + "'";
+                            "' VEXO_DEVICE_LIBRARY='" + SimulatorPath().string() +
+                            "' timeout 60 '" + (BinDir() / "vexo-cli").string() + "' " + args +
+                            " >'" + (dir / "out.txt").string() + "' 2>'" +
+                            (dir / "err.txt").string() + "'";
     const int status = std::system(cmd.c_str());
     if (err)
         *err = vexo::test::ReadBytes(dir / "err.txt");
@@ -609,7 +620,8 @@ TEST(VerifyCli, BatchNamesFilesFromEveryChoice) {
     std::string err;
     const int rc = RunCli(dir.path(), Model10(),
                           "batch --device USB:KORV-10-001 --preset real:1 --count 2 --clear "
-                          "--sample-id S17 --tag lab --dir '" + (dir / "out").string() + "/'",
+                          "--sample-id S17 --tag lab --dir '" +
+                              (dir / "out").string() + "/'",
                           &err);
     ASSERT_EQ(rc, 0) << err;
     EXPECT_TRUE(fs::exists(dir / "out" / "S17_lab_0001.SPE"));

@@ -23,7 +23,9 @@ const char* kSample =
     "661.6553 ; 0.0030 ; 85.01 ; 0.20 ; g ; Ba-137 ; 2 ; 0 ; \r\n"
     "===============================================\r\n";
 
-std::filesystem::path LaraDir() { return vexo::test::SharedDir() / "nucdata" / "lara"; }
+std::filesystem::path LaraDir() {
+    return vexo::test::SharedDir() / "nucdata" / "lara";
+}
 
 } // namespace
 
@@ -78,9 +80,9 @@ TEST(Lara, TypeAndUnitVocabularies) {
     struct TypeCase {
         const char* lara;
         const char* ours;
-    } types[] = {{"g", "G"},         {"g511", "G ANH"}, {"XKa1", "X KA1"}, {"XKa2", "X KA2"},
-                 {"XK'b1", "X KB"},  {"XK'b2", "X KB"}, {"XKb", "X KB"},   {"XK", "X K"},
-                 {"XL", "X L"},      {"XLa", "X L"},    {"a", "A"},        {"b-", "B-"},
+    } types[] = {{"g", "G"},        {"g511", "G ANH"}, {"XKa1", "X KA1"}, {"XKa2", "X KA2"},
+                 {"XK'b1", "X KB"}, {"XK'b2", "X KB"}, {"XKb", "X KB"},   {"XK", "X K"},
+                 {"XL", "X L"},     {"XLa", "X L"},    {"a", "A"},        {"b-", "B-"},
                  {"b+", "B+"}};
     for (const auto& t : types)
         EXPECT_EQ(LaraRadiationText(t.lara), t.ours) << t.lara;

@@ -30,12 +30,14 @@ INSTANTIATE_TEST_SUITE_P(
                       RadiationCase{"#", "G", Gamma}, RadiationCase{"c", "G", Gamma},
                       RadiationCase{"D", "E AU K", Electron}, RadiationCase{"E", "B-", BetaMinus},
                       RadiationCase{"F", "B- TOTAL", BetaMinus}, RadiationCase{"G", "X K", XRay},
-                      RadiationCase{"H", "E CE K", Electron}, RadiationCase{"I", "E CE L", Electron},
-                      RadiationCase{"J", "X KA1", XRay}, RadiationCase{"K", "E AU L", Electron},
-                      RadiationCase{"L", "X KB", XRay}, RadiationCase{"M", "X KA2", XRay},
-                      RadiationCase{"N", "X L", XRay}, RadiationCase{"O", "E CE M+", Electron},
-                      RadiationCase{"P", "E CE M", Electron}, RadiationCase{"Q", "E CE N+", Electron},
-                      RadiationCase{"R", "A", Alpha}, RadiationCase{"Rest ignored", "A", Alpha}));
+                      RadiationCase{"H", "E CE K", Electron},
+                      RadiationCase{"I", "E CE L", Electron}, RadiationCase{"J", "X KA1", XRay},
+                      RadiationCase{"K", "E AU L", Electron}, RadiationCase{"L", "X KB", XRay},
+                      RadiationCase{"M", "X KA2", XRay}, RadiationCase{"N", "X L", XRay},
+                      RadiationCase{"O", "E CE M+", Electron},
+                      RadiationCase{"P", "E CE M", Electron},
+                      RadiationCase{"Q", "E CE N+", Electron}, RadiationCase{"R", "A", Alpha},
+                      RadiationCase{"Rest ignored", "A", Alpha}));
 
 TEST(RadiationType, RowsBeyondTheTableChangeNothing) {
     clsNuclide n;
@@ -72,8 +74,8 @@ TEST(RadiationType, FreshRecordHasNoText) {
 }
 
 TEST(HalfLifeUnits, TextsCarryALeadingBlank) {
-    const char* expected[] = {"",      " psec", " nsec", " usec", " msec",
-                              " sec",  " min",  " hrs",  " days", " years"};
+    const char* expected[] = {"",     " psec", " nsec", " usec", " msec",
+                              " sec", " min",  " hrs",  " days", " years"};
     for (int unit = 0; unit <= 9; ++unit)
         EXPECT_STREQ(HalfLifeUnitText(unit), expected[unit]);
     EXPECT_STREQ(HalfLifeUnitText(10), "");
@@ -119,8 +121,7 @@ TEST_P(HalfLifeSecondsTest, ConvertsWithSinglePrecisionFactors) {
 // A year is 365.24 days: 31556736 s exactly (the single product lands on it).
 INSTANTIATE_TEST_SUITE_P(
     Units, HalfLifeSecondsTest,
-    ::testing::Values(SecondsCase{1.0f, Years, 31556736.0},
-                      SecondsCase{2.0f, Years, 63113472.0},
+    ::testing::Values(SecondsCase{1.0f, Years, 31556736.0}, SecondsCase{2.0f, Years, 63113472.0},
                       SecondsCase{1.0f, Days, 86400.0}, SecondsCase{2.5f, Hours, 9000.0},
                       SecondsCase{3.0f, Minutes, 180.0}, SecondsCase{7.0f, Seconds, 7.0},
                       SecondsCase{4.0f, Milliseconds, 4.0 * double(1e-3f)},

@@ -7,9 +7,9 @@
 #include "spectrum/NumberParse.h"
 
 using namespace vexo;
+using vexo::test::ReadBytes;
 using vexo::test::TempDir;
 using vexo::test::WriteBytes;
-using vexo::test::ReadBytes;
 
 namespace {
 
@@ -250,8 +250,10 @@ TEST(NuclideLibrary, ValuesMatchTheIniStoreKeyByKey) {
                                 "[Q]\r\nNucName=\"Cs-137\"\r\nEn='661.66'\r\nInt=\"5\r\n"
                                 "[Dup]\r\nen=1\r\nEN=2\r\n  NucName  =  spaced  \r\n"
                                 "[NoEq]\r\nEn\r\nEn=5\r\nNucName\r\n"
-                                "[Long]\r\nNucName=" + longName + "\r\n"
-                                "[Q]\r\nNucName=second section of the same name\r\n");
+                                "[Long]\r\nNucName=" +
+                                    longName +
+                                    "\r\n"
+                                    "[Q]\r\nNucName=second section of the same name\r\n");
     auto read = ReadNuclideLibrary(dir / "lib.nli");
     ASSERT_TRUE(read.ok) << read.error;
     CPrivateINI ini;
@@ -269,7 +271,7 @@ TEST(NuclideLibrary, ValuesMatchTheIniStoreKeyByKey) {
     EXPECT_EQ(read.lines[0].sIntensity, 0.0f); // "\"5" keeps its lone quote
     EXPECT_EQ(read.lines[1].sEnergy, 1.0f);    // first of duplicate keys
     EXPECT_EQ(read.lines[1].szElemName, "spaced");
-    EXPECT_EQ(read.lines[2].sEnergy, 0.0f);    // the key line without "=" comes first
+    EXPECT_EQ(read.lines[2].sEnergy, 0.0f); // the key line without "=" comes first
     EXPECT_EQ(read.lines[3].szElemName.size(), 999u);
     EXPECT_EQ(read.lines[4].szElemName, "Cs-137"); // a repeated name reads the first section
 }

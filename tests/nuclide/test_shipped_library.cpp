@@ -13,12 +13,15 @@ using namespace vexo;
 
 namespace {
 
-std::filesystem::path Shipped() { return std::filesystem::path(VEXO_SOURCE_DIR) / "data" / "Vexo.nli"; }
+std::filesystem::path Shipped() {
+    return std::filesystem::path(VEXO_SOURCE_DIR) / "data" / "Vexo.nli";
+}
 
 const clsNuclide* Find(const std::vector<clsNuclide>& lines, const std::string& name, float keV,
                        const std::string& radiation) {
     for (const auto& l : lines)
-        if (l.szElemName == name && std::fabs(l.sEnergy - keV) < 0.01f && l.szDecayRadEx() == radiation)
+        if (l.szElemName == name && std::fabs(l.sEnergy - keV) < 0.01f &&
+            l.szDecayRadEx() == radiation)
             return &l;
     return nullptr;
 }
@@ -48,12 +51,12 @@ TEST(ShippedLibrary, HoldsTheCalibrationLines) {
         const char* name;
         float keV;
         const char* radiation;
-    } wants[] = {{"Am-241", 59.54f, "G"},   {"Ba-133", 356.01f, "G"}, {"Cs-137", 661.66f, "G"},
-                 {"Co-57", 122.06f, "G"},   {"Co-60", 1173.23f, "G"}, {"Co-60", 1332.49f, "G"},
+    } wants[] = {{"Am-241", 59.54f, "G"},   {"Ba-133", 356.01f, "G"},  {"Cs-137", 661.66f, "G"},
+                 {"Co-57", 122.06f, "G"},   {"Co-60", 1173.23f, "G"},  {"Co-60", 1332.49f, "G"},
                  {"Eu-152", 121.78f, "G"},  {"Eu-152", 1408.01f, "G"}, {"Na-22", 511.0f, "G ANH"},
-                 {"Na-22", 1274.54f, "G"},  {"Mn-54", 834.85f, "G"},  {"K-40", 1460.82f, "G"},
-                 {"Ac-228", 911.2f, "G"},   {"Pb-212", 238.63f, "G"}, {"Bi-212", 727.33f, "G"},
-                 {"Tl-208", 2614.51f, "G"}, {"Ra-226", 186.21f, "G"}, {"Pb-214", 351.93f, "G"},
+                 {"Na-22", 1274.54f, "G"},  {"Mn-54", 834.85f, "G"},   {"K-40", 1460.82f, "G"},
+                 {"Ac-228", 911.2f, "G"},   {"Pb-212", 238.63f, "G"},  {"Bi-212", 727.33f, "G"},
+                 {"Tl-208", 2614.51f, "G"}, {"Ra-226", 186.21f, "G"},  {"Pb-214", 351.93f, "G"},
                  {"Bi-214", 609.31f, "G"}};
     for (const auto& w : wants)
         EXPECT_TRUE(Find(read.lines, w.name, w.keV, w.radiation)) << w.name << " " << w.keV;

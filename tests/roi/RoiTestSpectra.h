@@ -32,7 +32,7 @@ inline clsROI MakeRoi(int32_t L, int32_t R) {
 }
 
 inline Outcome Compute(clsROI& roi, const Spectrum& s, float sTime,
-            const EnergyCalibration& cal = EnergyCalibration::Default()) {
+                       const EnergyCalibration& cal = EnergyCalibration::Default()) {
     Outcome run;
     run.ok = roi.bComputeROI(sTime, run.nBkgChn, s.y.data(), s.y.size(), cal, run.rates);
     return run;
@@ -54,6 +54,5 @@ inline Spectrum Triangle() {
         s.y[100 + i] = peak[i];
     return s;
 }
-
 
 } // namespace vexo::test

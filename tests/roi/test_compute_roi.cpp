@@ -11,7 +11,6 @@
 using namespace vexo;
 using namespace vexo::test;
 
-
 // ROI 98..110 on Triangle(), default calibration (2.5 keV per channel), 10 s:
 //   S = 13 x 10 + (20+40+60+80+60+40+20) = 450; symmetric about channel 104, so on the
 //   plus-one scale c = 105 exactly. M = 90 at channel 104. n = 13.
@@ -182,8 +181,8 @@ INSTANTIATE_TEST_SUITE_P(
                   },
                   1, 10, 50, 342, 0, 34.2f, 34},
         // R = Ub: bR = 0; bL = 8; B = 7 x 8 / 2 = 28; S = 4 x 8 (the spare slot is 0).
-        LevelCase{"EndAtUb", [](Spectrum& s) { s.fill(16370, kUb - 1, 8); }, 16380, kUb, 32, 28,
-                  4, 5.6f, 6},
+        LevelCase{"EndAtUb", [](Spectrum& s) { s.fill(16370, kUb - 1, 8); }, 16380, kUb, 32, 28, 4,
+                  5.6f, 6},
         // R = Ub - 1: bR = y(Ub) = 9 alone; bL = 8; B = round(7 x 17 / 2 = 59.5) = 60.
         LevelCase{"EndAtUbMinus1",
                   [](Spectrum& s) {
@@ -199,11 +198,11 @@ INSTANTIATE_TEST_SUITE_P(
                   },
                   100, 104, 0, 700, 0, 140.0f, 140},
         // n = 8, bL = bR = 2: B = 10 x 4 / 2 = 20, b1 = 2.5 reads 2.
-        LevelCase{"BkgPerChannel2_5ReadsAs2", [](Spectrum& s) { s.fill(0, 200, 2); }, 100, 107,
-                  16, 20, 0, 2.5f, 2},
+        LevelCase{"BkgPerChannel2_5ReadsAs2", [](Spectrum& s) { s.fill(0, 200, 2); }, 100, 107, 16,
+                  20, 0, 2.5f, 2},
         // n = 12, bL = bR = 3: B = 14 x 6 / 2 = 42, b1 = 3.5 reads 4.
-        LevelCase{"BkgPerChannel3_5ReadsAs4", [](Spectrum& s) { s.fill(0, 200, 3); }, 100, 111,
-                  36, 42, 0, 3.5f, 4},
+        LevelCase{"BkgPerChannel3_5ReadsAs4", [](Spectrum& s) { s.fill(0, 200, 3); }, 100, 111, 36,
+                  42, 0, 3.5f, 4},
         // Left mean (11 + 12)/2 = 11.5 -> 12; right mean (13 + 14)/2 = 13.5 -> 14;
         // B = 13 x 26 / 2 = 169.
         LevelCase{"SideMeansRoundToEven",

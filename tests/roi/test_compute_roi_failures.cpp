@@ -159,9 +159,9 @@ TEST(ComputeRoi, ChannelBeyond16BitsOverflows) {
     clsROI roi = MakeRoi(33000, 33010);
     int16_t nBkgChn = 0;
     RoiRates rates;
-    EXPECT_THROW(roi.bComputeROI(1.0f, nBkgChn, y.data(), y.size(), EnergyCalibration::Default(),
-                                 rates),
-                 OverflowError);
+    EXPECT_THROW(
+        roi.bComputeROI(1.0f, nBkgChn, y.data(), y.size(), EnergyCalibration::Default(), rates),
+        OverflowError);
 }
 
 // BkgAtPosition's own rules: sums divided by m always, channel 0 never on the left,
@@ -178,26 +178,27 @@ class BkgAtPositionRules : public ::testing::TestWithParam<BkgCase> {};
 TEST_P(BkgAtPositionRules, Level) {
     Spectrum s;
     s.fill(0, kUb, 20);
-    s.y[0] = 1000; // would show if channel 0 were used
+    s.y[0] = 1000;   // would show if channel 0 were used
     s.y[kUb] = 1000; // would show if Ub were used
     const BkgCase& c = GetParam();
     EXPECT_FLOAT_EQ(BkgAtPosition(c.L, c.R, 2, c.x, s.y.data(), s.y.size()), c.expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Quirks, BkgAtPositionRules,
-    ::testing::Values(
-        // Both sides: YL = YR = 20 -> flat 20.
-        BkgCase{"BothSides", 100, 110, 105.0f, 20.0f},
-        // L = 1: no left neighbour (0 is skipped); YL = XL = 0, YR = 20 at XR = 11.5:
-        // 0 + 5 x 20 / 11.5.
-        BkgCase{"NoLeftNeighbours", 1, 10, 5.0f, 100.0f / 11.5f},
-        // L = 2: only channel 1; YL = 20/2 = 10 at XL = 0.5; YR = 20 at XR = 11.5:
-        // 10 + (6.5 - 0.5) x 10 / 11.
-        BkgCase{"OneLeftNeighbourHalved", 2, 10, 6.5f, 10.0f + 60.0f / 11.0f},
-        // L = 1, R = Ub - 1: no neighbours at all -> XR - XL = 0 -> -1.
-        BkgCase{"NoNeighboursGivesMinusOne", 1, kUb - 1, 50.0f, -1.0f}),
-    [](const ::testing::TestParamInfo<BkgCase>& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Quirks, BkgAtPositionRules,
+                         ::testing::Values(
+                             // Both sides: YL = YR = 20 -> flat 20.
+                             BkgCase{"BothSides", 100, 110, 105.0f, 20.0f},
+                             // L = 1: no left neighbour (0 is skipped); YL = XL = 0, YR = 20 at XR
+                             // = 11.5: 0 + 5 x 20 / 11.5.
+                             BkgCase{"NoLeftNeighbours", 1, 10, 5.0f, 100.0f / 11.5f},
+                             // L = 2: only channel 1; YL = 20/2 = 10 at XL = 0.5; YR = 20 at XR
+                             // = 11.5: 10 + (6.5 - 0.5) x 10 / 11.
+                             BkgCase{"OneLeftNeighbourHalved", 2, 10, 6.5f, 10.0f + 60.0f / 11.0f},
+                             // L = 1, R = Ub - 1: no neighbours at all -> XR - XL = 0 -> -1.
+                             BkgCase{"NoNeighboursGivesMinusOne", 1, kUb - 1, 50.0f, -1.0f}),
+                         [](const ::testing::TestParamInfo<BkgCase>& info) {
+                             return std::string(info.param.name);
+                         });
 
 TEST(BkgAtPosition, RightSideWithOneNeighbourIsHalved) {
     Spectrum s;

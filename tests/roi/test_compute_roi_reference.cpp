@@ -88,7 +88,9 @@ Reference Analyse(const std::vector<int32_t>& y, int L, int R, double sTime,
 }
 
 // How far a half-channel position lies from a rounding tie.
-double DistanceFromTie(double x) { return std::fabs(x - std::floor(x) - 0.5); }
+double DistanceFromTie(double x) {
+    return std::fabs(x - std::floor(x) - 0.5);
+}
 
 struct RandomPeak {
     std::vector<int32_t> y = std::vector<int32_t>(kUb + 1, 0);
@@ -147,7 +149,8 @@ TEST(ComputeRoiReference, AgreesOnSeededRandomPeaks) {
         EXPECT_NEAR(roi.sFWHMch(), std::max(ref.F, 0.0), 1e-6 * std::max(1.0, ref.F));
         EXPECT_FLOAT_EQ(roi.sCentEn(), static_cast<float>(ref.centEn));
         // Away from a rounding tie the whole-channel width must match exactly.
-        if (DistanceFromTie(ref.c + ref.F / 2) > 1e-3 && DistanceFromTie(ref.c - ref.F / 2) > 1e-3) {
+        if (DistanceFromTie(ref.c + ref.F / 2) > 1e-3 &&
+            DistanceFromTie(ref.c - ref.F / 2) > 1e-3) {
             EXPECT_NEAR(roi.sFWHMen(), std::max(ref.fwhmEn, 0.0), 1e-4);
             EXPECT_NEAR(roi.sFWHMp(), ref.fwhmP, 1e-5 * std::max(1.0, ref.fwhmP));
         }

@@ -109,10 +109,10 @@ TEST(EditRoiRows, ThirteenRowsAfterAnalysis) {
     ASSERT_TRUE(UpdateCompROI(roi, 10.0f, *doc).ok);
     const std::vector<EditRoiRow> expected = {
         {"ROI ID", "Pb-214", ""},
-        {"Integral", "450", "21.21"},         // sqrt(450)
-        {"Total background", "150", "12.25"}, // sqrt(150)
+        {"Integral", "450", "21.21"},            // sqrt(450)
+        {"Total background", "150", "12.25"},    // sqrt(150)
         {"Background per channel", "12.00", ""}, // 150/13 = 11.54 reads as 12
-        {"Net area", "300", "24.49"},         // sqrt(450 + 150)
+        {"Net area", "300", "24.49"},            // sqrt(450 + 150)
         {"Centroid", "105.00", ""},
         {"Centroid in energy", "262.50", ""},
         {"Estimated net intensity", "60.00", ""},

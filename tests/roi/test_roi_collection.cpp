@@ -66,11 +66,11 @@ TEST_P(FindRoiInCol, FirstMatchByChannelAndId) {
 
 INSTANTIATE_TEST_SUITE_P(
     Lookups, FindRoiInCol,
-    ::testing::Values(FindCase{10, "A", 1}, FindCase{20, "A", 1}, // both ends inclusive
-                      FindCase{9, "A", -1}, FindCase{21, "A", -1},  // outside the first
-                      FindCase{25, "A", 3},                         // second "A"
-                      FindCase{18, "B", 2}, FindCase{12, "B", -1},  // id must match too
-                      FindCase{18, "a", -1},                        // case matters
+    ::testing::Values(FindCase{10, "A", 1}, FindCase{20, "A", 1},  // both ends inclusive
+                      FindCase{9, "A", -1}, FindCase{21, "A", -1}, // outside the first
+                      FindCase{25, "A", 3},                        // second "A"
+                      FindCase{18, "B", 2}, FindCase{12, "B", -1}, // id must match too
+                      FindCase{18, "a", -1},                       // case matters
                       FindCase{40, "A", 3}, FindCase{41, "A", -1}));
 
 TEST(RoiCollection, EmptyCollectionFindsNothing) {

@@ -60,27 +60,26 @@ TEST(RoiFileWriter, EmptyCollectionWritesBannerOnly) {
 TEST(RoiFileWriter, ByteExactSections) {
     TempDir dir;
     ASSERT_TRUE(WriteRoiFile(dir / "two.roi", TwoRois()));
-    EXPECT_EQ(ReadBytes(dir / "two.roi"), kBanner +
-                                              "[ROI1]\r\n"
-                                              "RoiID=Cs-137\r\n"
-                                              "RoiNoInPlot=3\r\n"
-                                              "RoiNoInCol=1\r\n"
-                                              "RoiColor=65280\r\n"
-                                              "RoiLeftCh=262\r\n"
-                                              "RoiRightCh=268\r\n"
-                                              "RoiLEn=655.00\r\n"
-                                              "RoiREn=670.50\r\n"
-                                              "RoiIdNuc=Cs137\r\n"
-                                              "[ROI2]\r\n"
-                                              "RoiID=\r\n"
-                                              "RoiNoInPlot=0\r\n"
-                                              "RoiNoInCol=2\r\n"
-                                              "RoiColor=255\r\n"
-                                              "RoiLeftCh=0\r\n"
-                                              "RoiRightCh=16384\r\n"
-                                              "RoiLEn=-1.50\r\n"
-                                              "RoiREn=40960.00\r\n"
-                                              "RoiIdNuc=\r\n");
+    EXPECT_EQ(ReadBytes(dir / "two.roi"), kBanner + "[ROI1]\r\n"
+                                                    "RoiID=Cs-137\r\n"
+                                                    "RoiNoInPlot=3\r\n"
+                                                    "RoiNoInCol=1\r\n"
+                                                    "RoiColor=65280\r\n"
+                                                    "RoiLeftCh=262\r\n"
+                                                    "RoiRightCh=268\r\n"
+                                                    "RoiLEn=655.00\r\n"
+                                                    "RoiREn=670.50\r\n"
+                                                    "RoiIdNuc=Cs137\r\n"
+                                                    "[ROI2]\r\n"
+                                                    "RoiID=\r\n"
+                                                    "RoiNoInPlot=0\r\n"
+                                                    "RoiNoInCol=2\r\n"
+                                                    "RoiColor=255\r\n"
+                                                    "RoiLeftCh=0\r\n"
+                                                    "RoiRightCh=16384\r\n"
+                                                    "RoiLEn=-1.50\r\n"
+                                                    "RoiREn=40960.00\r\n"
+                                                    "RoiIdNuc=\r\n");
 }
 
 TEST(RoiFileWriter, IdentifiersInWindows1252AndFreshFileEachTime) {

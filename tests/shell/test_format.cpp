@@ -31,8 +31,9 @@ INSTANTIATE_TEST_SUITE_P(
                       FormatCase{-1.5, "0.0", "-1.5"}, FormatCase{6.6166, "0.000", "6.617"},
                       FormatCase{1332.5, "0.0000", "1332.5000"}, FormatCase{0.5, ".00", ".50"},
                       FormatCase{12.5, ".00", "12.50"}, FormatCase{9998.996, "###0.00", "9999.00"},
-                      FormatCase{0.25, "###0.00", "0.25"}, FormatCase{12345.67, "#####.0", "12345.7"},
-                      FormatCase{0.5, "#####.0", ".5"}, FormatCase{123456, "0.00E+##", "1.23E+5"},
+                      FormatCase{0.25, "###0.00", "0.25"},
+                      FormatCase{12345.67, "#####.0", "12345.7"}, FormatCase{0.5, "#####.0", ".5"},
+                      FormatCase{123456, "0.00E+##", "1.23E+5"},
                       FormatCase{-0.00015, "0.00E+##", "-1.50E-4"},
                       FormatCase{99999, "0.00E+##", "1.00E+5"}, FormatCase{99.5, "0", "100"}));
 

@@ -6,7 +6,9 @@ using namespace vexo;
 
 namespace {
 
-std::optional<bool> Enabled(const MainWindowUpdate& u, ToolButton b) { return u.button(b).enabled; }
+std::optional<bool> Enabled(const MainWindowUpdate& u, ToolButton b) {
+    return u.button(b).enabled;
+}
 
 MainWindowFlags Connected() {
     MainWindowFlags f;
@@ -18,7 +20,8 @@ MainWindowFlags Connected() {
 
 const MenuItemState& Item(const std::vector<MenuItemState>& items, const std::string& key) {
     for (const MenuItemState& i : items)
-        if (i.key == key) return i;
+        if (i.key == key)
+            return i;
     throw std::runtime_error("no menu item " + key);
 }
 

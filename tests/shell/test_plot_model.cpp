@@ -48,11 +48,15 @@ TEST(DecimateMinMax, MatchesReferenceLoop) {
     std::mt19937 rng(12345);
     std::uniform_int_distribution<int32_t> value(-50, 1000000);
     std::vector<int32_t> counts(16385);
-    for (auto& v : counts) v = value(rng);
-    struct Case { int32_t first, last; int columns; };
-    for (Case c : {Case{0, 16383, 1280}, Case{0, 16383, 1000}, Case{0, 16383, 1},
-                   Case{100, 4195, 777}, Case{0, 1023, 1280}, Case{5, 5, 10},
-                   Case{0, 16384, 16385}, Case{3000, 3999, 999}}) {
+    for (auto& v : counts)
+        v = value(rng);
+    struct Case {
+        int32_t first, last;
+        int columns;
+    };
+    for (Case c :
+         {Case{0, 16383, 1280}, Case{0, 16383, 1000}, Case{0, 16383, 1}, Case{100, 4195, 777},
+          Case{0, 1023, 1280}, Case{5, 5, 10}, Case{0, 16384, 16385}, Case{3000, 3999, 999}}) {
         SCOPED_TRACE(testing::Message() << c.first << ".." << c.last << " in " << c.columns);
         ExpectSame(DecimateMinMax(counts, c.first, c.last, c.columns),
                    ReferenceMinMax(counts, c.first, c.last, c.columns));
@@ -69,7 +73,8 @@ TEST(DecimateMinMax, KeepsTheSinglePeakAndCoversEveryChannel) {
     for (std::size_t i = 1; i < cols.size(); ++i)
         EXPECT_EQ(cols[i].firstChannel, cols[i - 1].lastChannel + 1);
     int peaks = 0;
-    for (const auto& c : cols) peaks += c.maxCounts == 99999;
+    for (const auto& c : cols)
+        peaks += c.maxCounts == 99999;
     EXPECT_EQ(peaks, 1);
 }
 

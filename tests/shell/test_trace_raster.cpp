@@ -19,7 +19,8 @@ std::vector<double> SampledTops(const std::vector<PixelPoint>& path, int columns
             const double t = s / 4000.0;
             const double x = a.x + (b.x - a.x) * t, y = a.y + (b.y - a.y) * t;
             const int c = static_cast<int>(std::floor(x));
-            if (c >= 0 && c < columns) tops[c] = std::min(tops[c], y);
+            if (c >= 0 && c < columns)
+                tops[c] = std::min(tops[c], y);
         }
     }
     return tops;
@@ -35,12 +36,14 @@ TEST(FillTops, MatchesFineSamplingOfRandomPolylines) {
         double x = -2.0;
         while (x < 70.0) {
             path.push_back({x, height(rng)});
-            if (trial % 2) path.push_back({x, height(rng)}); // min/max pairs share x
+            if (trial % 2)
+                path.push_back({x, height(rng)}); // min/max pairs share x
             x += step(rng);
         }
         const auto fast = FillTops(path, 64);
         const auto ref = SampledTops(path, 64);
-        for (int c = 0; c < 64; ++c) EXPECT_NEAR(fast[c], ref[c], 0.2) << "trial " << trial << " col " << c;
+        for (int c = 0; c < 64; ++c)
+            EXPECT_NEAR(fast[c], ref[c], 0.2) << "trial " << trial << " col " << c;
     }
 }
 

@@ -14,10 +14,12 @@ using vexo::test::WriteBytes;
 
 namespace {
 
-EnergyCalibration Marked() { return {false, 11.0, 22.0, 33.0}; } // recognisable "before"
+EnergyCalibration Marked() {
+    return {false, 11.0, 22.0, 33.0};
+} // recognisable "before"
 
-CalibrationCompute ComputeRows(const std::array<CalibrationRowText, 3>& rows, ScriptedMessages& msgs,
-                       EnergyCalibration previous = Marked()) {
+CalibrationCompute ComputeRows(const std::array<CalibrationRowText, 3>& rows,
+                               ScriptedMessages& msgs, EnergyCalibration previous = Marked()) {
     return Compute(rows, previous, msgs);
 }
 
@@ -194,8 +196,8 @@ TEST(Compute, NoPointsFitsNothing) {
 
 TEST(Compute, ListItemTextWorksAsEnergy) {
     ScriptedMessages msgs;
-    auto r = ComputeRows({{{"100", EnergyFromListItem("661.66 (Cs-13755:661.66:G)")}, {"", ""}, {"", ""}}},
-                 msgs);
+    auto r = ComputeRows(
+        {{{"100", EnergyFromListItem("661.66 (Cs-13755:661.66:G)")}, {"", ""}, {"", ""}}}, msgs);
     EXPECT_DOUBLE_EQ(r.cal.dSlope, 6.6166);
 }
 

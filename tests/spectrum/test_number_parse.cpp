@@ -28,16 +28,15 @@ INSTANTIATE_TEST_SUITE_P(
                       LeadingCase{"5.", 5}, LeadingCase{"1.2.3", 1.2}, LeadingCase{"1,5", 1},
                       LeadingCase{"2e", 2}, LeadingCase{"2e+", 2}, LeadingCase{"2E3x", 2000},
                       LeadingCase{"8e-04", 0.0008}, LeadingCase{"1e-999", 0},
-                      LeadingCase{"0.000e99999", 0}, LeadingCase{"\t3", 3},
-                      LeadingCase{"0x10", 0}, LeadingCase{"007", 7}));
+                      LeadingCase{"0.000e99999", 0}, LeadingCase{"\t3", 3}, LeadingCase{"0x10", 0},
+                      LeadingCase{"007", 7}));
 
 TEST(LeadingNumber, BeyondDoubleRangeIsAnOverflow) {
     EXPECT_THROW(LeadingNumber("1e999"), OverflowError);
     EXPECT_THROW(LeadingNumber("-1e400"), OverflowError);
     EXPECT_THROW(LeadingNumber(std::string(400, '9')), OverflowError);
     EXPECT_EQ(LeadingNumber("0." + std::string(400, '0') + "1"), 0.0);
-    EXPECT_DOUBLE_EQ(LeadingNumber("1.7976931348623157e308"),
-                     std::numeric_limits<double>::max());
+    EXPECT_DOUBLE_EQ(LeadingNumber("1.7976931348623157e308"), std::numeric_limits<double>::max());
 }
 
 TEST(StrictDouble, WholeTextMustBeOneNumber) {
@@ -46,8 +45,8 @@ TEST(StrictDouble, WholeTextMustBeOneNumber) {
     EXPECT_EQ(StrictDouble("1173.23 "), 1173.23); // an energy-list item's number part
     EXPECT_EQ(StrictDouble("-2e2"), -200.0);
     EXPECT_EQ(StrictDouble("0"), 0.0);
-    for (const char* bad : {"", " ", "abc", "12abc", "1,5", "1e999", "1 2", ".", "-", "e5",
-                            "nan", "inf", "0x10"})
+    for (const char* bad :
+         {"", " ", "abc", "12abc", "1,5", "1e999", "1 2", ".", "-", "e5", "nan", "inf", "0x10"})
         EXPECT_FALSE(StrictDouble(bad)) << bad;
 }
 

@@ -121,7 +121,8 @@ TEST(VerifyFitParabola, HandWorkedAndTermOrder) {
     const double q = ((y1 - y0) * x2 + (y0 - y2) * x1 + (y2 - y1) * x0) / d;
     const double sx0 = x0 * x0, sx1 = x1 * x1, sx2 = x2 * x2;
     const double s = (sx0 * (y1 - y2) + (y0 - y1) * sx2 + sx1 * (y2 - y0)) / d;
-    const double o = (((x2 - x0) * x0 * y1 + (x1 - x2) * x1 * y0) * x2 + (x0 - x1) * x0 * x1 * y2) / d;
+    const double o =
+        (((x2 - x0) * x0 * y1 + (x1 - x2) * x1 * y0) * x2 + (x0 - x1) * x0 * x1 * y2) / d;
     FitParabola(x0, y0, x1, y1, x2, y2, c);
     EXPECT_EQ(c.dQuad, q);
     EXPECT_EQ(c.dSlope, s);
@@ -169,32 +170,55 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         ComputeCase{"OnePoint", {{{"100", "661.66"}, {"", ""}, {"", ""}}}, "", 0, 6.6166, 0},
         // Channel text "100.5" is channel 100 (ties to even), "101.5" channel 102.
-        ComputeCase{"OnePointRoundedChannel", {{{"", ""}, {"101.5", "204"}, {"", ""}}}, "", 0, 2, 0},
+        ComputeCase{
+            "OnePointRoundedChannel", {{{"", ""}, {"101.5", "204"}, {"", ""}}}, "", 0, 2, 0},
         ComputeCase{"OnePointChannel0",
                     {{{"0", "10"}, {"", ""}, {"", ""}}},
-                    "Channel value cannot be zero for a single-point calibration", 1, 2, 3},
+                    "Channel value cannot be zero for a single-point calibration",
+                    1,
+                    2,
+                    3},
         // Rows A and C with B unparsable: the line through A and C.
-        ComputeCase{"RowsAAndC", {{{"400", "661.7"}, {"x", "5"}, {"800", "1332.5"}}}, "", -9.1,
-                    1.677, 0},
+        ComputeCase{
+            "RowsAAndC", {{{"400", "661.7"}, {"x", "5"}, {"800", "1332.5"}}}, "", -9.1, 1.677, 0},
         ComputeCase{"TwoEqualChannels",
-                    {{{"5", "10"}, {"5", "20"}, {"", ""}}}, "Channel values must be different", 1, 2, 3},
+                    {{{"5", "10"}, {"5", "20"}, {"", ""}}},
+                    "Channel values must be different",
+                    1,
+                    2,
+                    3},
         ComputeCase{"TwoEqualEnergies",
-                    {{{"5", "10"}, {"6", "10"}, {"", ""}}}, "Energy values must be different", 1, 2, 3},
+                    {{{"5", "10"}, {"6", "10"}, {"", ""}}},
+                    "Energy values must be different",
+                    1,
+                    2,
+                    3},
         // Both equal: the channel message comes first.
         ComputeCase{"TwoBothEqual",
-                    {{{"5", "10"}, {"5", "10"}, {"", ""}}}, "Channel values must be different", 1, 2, 3},
+                    {{{"5", "10"}, {"5", "10"}, {"", ""}}},
+                    "Channel values must be different",
+                    1,
+                    2,
+                    3},
         ComputeCase{"ThreeEqualChannels",
                     {{{"5", "10"}, {"6", "20"}, {"5", "10"}}},
-                    "All channel values must be different", 1, 2, 3},
+                    "All channel values must be different",
+                    1,
+                    2,
+                    3},
         ComputeCase{"ThreeEqualEnergies",
                     {{{"5", "10"}, {"6", "20"}, {"7", "10"}}},
-                    "All energy values must be different", 1, 2, 3},
+                    "All energy values must be different",
+                    1,
+                    2,
+                    3},
         // E = 1 + ch + ch^2 through channels 0, 1, 2.
         ComputeCase{"Parabola", {{{"0", "1"}, {"1", "3"}, {"2", "7"}}}, "", 1, 1, 1},
         // Collinear: E = 5 + 2 ch.
         ComputeCase{"Collinear", {{{"10", "25"}, {"20", "45"}, {"40", "85"}}}, "", 5, 2, 0},
         // Channel beyond 16 bits: that row does not count; one point remains.
-        ComputeCase{"ChannelBeyond16Bits", {{{"32768", "5"}, {"50", "100"}, {"", ""}}}, "", 0, 2, 0},
+        ComputeCase{
+            "ChannelBeyond16Bits", {{{"32768", "5"}, {"50", "100"}, {"", ""}}}, "", 0, 2, 0},
         ComputeCase{"NoPoints", {{{"", "1"}, {"2", ""}, {"a", "b"}}}, "", 1, 2, 3}),
     [](const auto& info) { return std::string(info.param.name); });
 

@@ -13,8 +13,8 @@ TempDir::TempDir() {
     static std::atomic<int> counter{0};
     auto base = std::filesystem::temp_directory_path();
     for (int attempt = 0; attempt < 100; ++attempt) {
-        auto candidate = base / ("vexo-test-" + std::to_string(::getpid()) + "-" +
-                                 std::to_string(counter++));
+        auto candidate =
+            base / ("vexo-test-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
         if (std::filesystem::create_directory(candidate)) {
             m_path = candidate;
             return;
@@ -40,8 +40,14 @@ std::string ReadBytes(const std::filesystem::path& path) {
     return s.str();
 }
 
-std::filesystem::path TestDataDir() { return VEXO_TEST_DATA_DIR; }
-std::filesystem::path SharedDir() { return VEXO_SHARED_DIR; }
-std::filesystem::path BinDir() { return VEXO_BIN_DIR; }
+std::filesystem::path TestDataDir() {
+    return VEXO_TEST_DATA_DIR;
+}
+std::filesystem::path SharedDir() {
+    return VEXO_SHARED_DIR;
+}
+std::filesystem::path BinDir() {
+    return VEXO_BIN_DIR;
+}
 
 } // namespace vexo::test

@@ -40,7 +40,8 @@ protected:
         }
         QPolygon line;
         line.reserve(static_cast<int>(pts.size()));
-        for (const ScopePoint& s : pts) line.append(QPoint(s.x, s.y));
+        for (const ScopePoint& s : pts)
+            line.append(QPoint(s.x, s.y));
         p.setPen(QPen(QColor(0, 255, 0)));
         p.drawPolyline(line);
     }
@@ -78,11 +79,13 @@ Scope::Scope(ScopeController& controller, std::function<void()> closed, QWidget*
 }
 
 void Scope::DisplayWaveform() {
-    if (m_controller.DisplayWaveform()) m_screen->update();
+    if (m_controller.DisplayWaveform())
+        m_screen->update();
 }
 
 void Scope::closeEvent(QCloseEvent* event) {
-    if (m_closed) m_closed();
+    if (m_closed)
+        m_closed();
     event->accept();
 }
 

@@ -24,8 +24,7 @@ namespace vexo {
 
 namespace {
 
-template <class Box>
-Box* Named(Box* box, const char* name) {
+template <class Box> Box* Named(Box* box, const char* name) {
     box->setObjectName(name);
     return box;
 }
@@ -36,7 +35,8 @@ QSpinBox* IntBox(const char* name, int lo, int hi) {
     return box;
 }
 
-QDoubleSpinBox* RealBox(const char* name, double lo, double hi, int decimals, const QString& suffix) {
+QDoubleSpinBox* RealBox(const char* name, double lo, double hi, int decimals,
+                        const QString& suffix) {
     auto* box = Named(new QDoubleSpinBox, name);
     box->setRange(lo, hi);
     box->setDecimals(decimals);
@@ -60,15 +60,21 @@ Settings::Settings(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages
     right->addWidget(calibrationGroup());
     columns->addLayout(right);
     auto* buttons = new QHBoxLayout;
-    const std::pair<const char*, const char*> names[] = {
-        {"cmdApply", "&Apply"}, {"cmdStore", "&Store"}, {"cmdAdvanced", "A&dvanced..."}, {"cmdClose", "&Close"}};
+    const std::pair<const char*, const char*> names[] = {{"cmdApply", "&Apply"},
+                                                         {"cmdStore", "&Store"},
+                                                         {"cmdAdvanced", "A&dvanced..."},
+                                                         {"cmdClose", "&Close"}};
     for (auto [name, caption] : names) {
         auto* b = Named(new QPushButton(caption), name);
         buttons->addWidget(b);
-        if (name == std::string("cmdApply")) connect(b, &QPushButton::clicked, this, &Settings::cmdApply);
-        if (name == std::string("cmdStore")) connect(b, &QPushButton::clicked, this, &Settings::cmdStore);
-        if (name == std::string("cmdAdvanced")) connect(b, &QPushButton::clicked, this, &Settings::cmdAdvanced);
-        if (name == std::string("cmdClose")) connect(b, &QPushButton::clicked, this, &QWidget::close);
+        if (name == std::string("cmdApply"))
+            connect(b, &QPushButton::clicked, this, &Settings::cmdApply);
+        if (name == std::string("cmdStore"))
+            connect(b, &QPushButton::clicked, this, &Settings::cmdStore);
+        if (name == std::string("cmdAdvanced"))
+            connect(b, &QPushButton::clicked, this, &Settings::cmdAdvanced);
+        if (name == std::string("cmdClose"))
+            connect(b, &QPushButton::clicked, this, &QWidget::close);
     }
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(columns);
@@ -84,7 +90,8 @@ QWidget* Settings::acquisitionGroup() {
     connect(m_mode, &QComboBox::currentIndexChanged, this, &Settings::updateModeControls);
     form->addRow("Mode:", m_mode);
     m_channels = Named(new QComboBox, "cmbChannels");
-    for (int n = 256; n <= MAX_CHANNELS; n *= 2) m_channels->addItem(QString::number(n), n);
+    for (int n = 256; n <= MAX_CHANNELS; n *= 2)
+        m_channels->addItem(QString::number(n), n);
     form->addRow("Channels:", m_channels);
     m_timeOn = Named(new QCheckBox("Time preset"), "chkPresetTime");
     m_presetTime = RealBox("txtPresetTime", 0.0, 1.0e7, 1, " s");
@@ -121,7 +128,8 @@ QWidget* Settings::amplifierGroup() {
     polarity->addWidget(m_negative);
     form->addRow("Input polarity:", polarity);
     m_coarse = Named(new QComboBox, "cmbCoarseGain");
-    for (int code = 0; code < kCoarseGainCodes; ++code) m_coarse->addItem(QString("x%1").arg(GainFactor(code)));
+    for (int code = 0; code < kCoarseGainCodes; ++code)
+        m_coarse->addItem(QString("x%1").arg(GainFactor(code)));
     form->addRow("Coarse gain:", m_coarse);
     auto* fine = new QHBoxLayout;
     m_fine = IntBox("txtFineGain", 0, 4095);
@@ -195,21 +203,25 @@ QWidget* Settings::calibrationGroup() {
 void Settings::refreshCalibration() {
     const EnergyCalibration& cal = m_doc.calibration;
     const auto energy = [&cal](int32_t ch) {
-        return cal.bCalibrated ? QString("%1 keV").arg(ChannelToEnergy(ch, cal), 0, 'f', 1) : QString();
+        return cal.bCalibrated ? QString("%1 keV").arg(ChannelToEnergy(ch, cal), 0, 'f', 1)
+                               : QString();
     };
     m_lldEnergy->setText(energy(m_lld->value()));
     m_uldEnergy->setText(energy(m_uld->value()));
 }
 
 void Settings::showFineFactor() {
-    m_fineFactor->setText(QString("x%1").arg(FineGainFactor(m_fine->value(), m_doc.lFineGainMax), 0, 'f', 4));
+    m_fineFactor->setText(
+        QString("x%1").arg(FineGainFactor(m_fine->value(), m_doc.lFineGainMax), 0, 'f', 4));
 }
 
 void Settings::updateModeControls() {
     const bool mcs = m_mode->currentIndex() == 1;
-    for (QWidget* w : std::initializer_list<QWidget*>{m_dwell, m_scaLow, m_scaHigh}) w->setEnabled(mcs);
-    for (QWidget* w : std::initializer_list<QWidget*>{m_timeOn, m_presetTime, m_live, m_real, m_countsOn,
-                                                      m_presetCounts, m_presetFirst, m_presetLast, m_lld, m_uld})
+    for (QWidget* w : std::initializer_list<QWidget*>{m_dwell, m_scaLow, m_scaHigh})
+        w->setEnabled(mcs);
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{m_timeOn, m_presetTime, m_live, m_real, m_countsOn,
+                                         m_presetCounts, m_presetFirst, m_presetLast, m_lld, m_uld})
         w->setEnabled(!mcs);
 }
 
@@ -256,7 +268,8 @@ void Settings::refreshControls() {
 // The state is asked of the device: ramping and inhibit are not kept in the record.
 void Settings::showHVState() {
     int32_t word = 0;
-    const int32_t status = m_doc.hDevice != 0 ? m_lib.getParam(m_doc.hDevice, DeviceParamId::HVState, word) : -1;
+    const int32_t status =
+        m_doc.hDevice != 0 ? m_lib.getParam(m_doc.hDevice, DeviceParamId::HVState, word) : -1;
     m_hvState->setText(status == 0 ? HVStateText(word) : "Unknown");
 }
 
@@ -264,8 +277,8 @@ void Settings::collect() {
     SpectrumDocument& d = m_doc;
     d.lMCSMode = m_mode->currentIndex();
     d.lChannels = m_channels->currentData().toInt();
-    d.lPresetMode = PresetModeFrom({m_timeOn->isChecked(), m_live->isChecked(), m_countsOn->isChecked()},
-                                   d.lPresetMode);
+    d.lPresetMode = PresetModeFrom(
+        {m_timeOn->isChecked(), m_live->isChecked(), m_countsOn->isChecked()}, d.lPresetMode);
     d.sngPresetTime = static_cast<float>(m_presetTime->value());
     d.lPresetCounts = m_presetCounts->value();
     d.lPresetFirstCh = m_presetFirst->value();
@@ -298,7 +311,8 @@ void Settings::cmdApply() {
     WriteAllParams(m_lib, m_doc);
     ReadAllParams(m_lib, m_doc); // show what the device actually took
     refreshControls();
-    if (m_applied) m_applied();
+    if (m_applied)
+        m_applied();
 }
 
 void Settings::cmdStore() {
@@ -307,7 +321,8 @@ void Settings::cmdStore() {
         return;
     }
     const int32_t status = m_lib.saveSettings(m_doc.hDevice);
-    if (status != 0) m_messages.critical(ErrorText(status));
+    if (status != 0)
+        m_messages.critical(ErrorText(status));
 }
 
 void Settings::cmdAdvanced() {

@@ -22,8 +22,10 @@ frmAdvanced::frmAdvanced(DeviceLibrary& lib, SpectrumDocument& doc, QWidget* par
     form->addRow("", check("chkGPIO1Neg", "GPIO 1 negative", doc.bGPIO1Neg != 0, kCapGpio));
     form->addRow("GPIO 2 function:", spin("txtGPIO2Func", 0, 127, doc.lGPIO2Func, kCapGpio));
     form->addRow("", check("chkGPIO2Neg", "GPIO 2 negative", doc.bGPIO2Neg != 0, kCapGpio));
-    form->addRow("", check("chkHVInhibit", "HV inhibit input enabled", doc.lHVInhibitEnable != 0, kCapHVInhibit));
-    form->addRow("", check("chkHVInhibitNeg", "HV inhibit active low", doc.bHVInhibitNeg != 0, kCapHVInhibit));
+    form->addRow("", check("chkHVInhibit", "HV inhibit input enabled", doc.lHVInhibitEnable != 0,
+                           kCapHVInhibit));
+    form->addRow("", check("chkHVInhibitNeg", "HV inhibit active low", doc.bHVInhibitNeg != 0,
+                           kCapHVInhibit));
     form->addRow("Live-time trim:", spin("txtLTTrim", -512, 511, doc.lLTTrim, kCapLTTrim));
     form->addRow("Analog pole/zero:", spin("txtAnalogPZ", 0, 4095, doc.lAnalogPZ, kCapAnalogPZ));
     form->addRow("BLR rate:", spin("txtBLRRate", 0, 3, doc.lBLRRate, kCapBLRRate));
@@ -31,7 +33,8 @@ frmAdvanced::frmAdvanced(DeviceLibrary& lib, SpectrumDocument& doc, QWidget* par
     form->addRow("TRP guard:", spin("txtTRPGuard", 0, 7, doc.lTRPGuard, kCapTRPGuard));
     auto* digital = new QComboBox;
     digital->setObjectName("cmbDigitalGain");
-    for (int code = 0; code < kDigitalGainCodes; ++code) digital->addItem(QString("x%1").arg(GainFactor(code)));
+    for (int code = 0; code < kDigitalGainCodes; ++code)
+        digital->addItem(QString("x%1").arg(GainFactor(code)));
     digital->setCurrentIndex(std::clamp(doc.lDigitalGain, 0, kDigitalGainCodes - 1));
     form->addRow("Digital gain:", digital);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -51,7 +54,8 @@ QSpinBox* frmAdvanced::spin(const char* name, int lo, int hi, int value, int32_t
     return box;
 }
 
-QCheckBox* frmAdvanced::check(const char* name, const QString& caption, bool value, int32_t capability) {
+QCheckBox* frmAdvanced::check(const char* name, const QString& caption, bool value,
+                              int32_t capability) {
     auto* box = new QCheckBox(caption);
     box->setObjectName(name);
     box->setChecked(value);

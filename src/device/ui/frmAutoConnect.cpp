@@ -33,7 +33,8 @@ frmAutoConnect::frmAutoConnect(AutoConnect& logic, QWidget* parent)
 void frmAutoConnect::showState() {
     m_label->setText(QString::fromStdString(m_logic.label()));
     m_progress->setValue(m_logic.progress());
-    if (!m_logic.windowOpen()) close();
+    if (!m_logic.windowOpen())
+        close();
 }
 
 } // namespace vexo

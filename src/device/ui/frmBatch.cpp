@@ -25,8 +25,10 @@ frmBatch::frmBatch(const BatchSettings& initial, Messages& messages,
     auto* browse = new QPushButton("...");
     browse->setObjectName("cmdBatchSubDir");
     connect(browse, &QPushButton::clicked, this, [this] {
-        const QString dir = QFileDialog::getExistingDirectory(this, "Select data directory...", m_dir->text());
-        if (!dir.isEmpty()) m_dir->setText(dir);
+        const QString dir =
+            QFileDialog::getExistingDirectory(this, "Select data directory...", m_dir->text());
+        if (!dir.isEmpty())
+            m_dir->setText(dir);
     });
     grid->addWidget(new QLabel("Data directory:"), 0, 0);
     grid->addWidget(m_dir, 0, 1);
@@ -41,13 +43,16 @@ frmBatch::frmBatch(const BatchSettings& initial, Messages& messages,
     m_wait = new QLineEdit(QString::number(initial.lBatchWait));
     m_wait->setObjectName("txtWaitTime");
     m_wait->setValidator(new QIntValidator(0, 2147483647, m_wait));
-    grid->addWidget(addCheck("chkBatchWait", "Wait between measurements (seconds):", initial.bBatchWait), 2, 0);
+    grid->addWidget(
+        addCheck("chkBatchWait", "Wait between measurements (seconds):", initial.bBatchWait), 2, 0);
     grid->addWidget(m_wait, 2, 1);
 
     auto* v = new QVBoxLayout;
     v->addWidget(addCheck("chkBatchUntilStop", "Run until stopped", initial.bBatchUntilStop));
-    v->addWidget(addCheck("chkBatchClear", "Clear the spectrum between measurements", initial.bBatchClear));
-    v->addWidget(addCheck("chkBatchProc", "Launch Process after each measurement", initial.bBatchProc));
+    v->addWidget(
+        addCheck("chkBatchClear", "Clear the spectrum between measurements", initial.bBatchClear));
+    v->addWidget(
+        addCheck("chkBatchProc", "Launch Process after each measurement", initial.bBatchProc));
     v->addWidget(new QLabel("File names:"));
     v->addWidget(addCheck("chkSampleID", "Begin with the spectrum ID", initial.bNameSampleID));
     v->addWidget(addCheck("chkTimeDate", "Add date and time", initial.bNameTimeDate));
@@ -58,8 +63,9 @@ frmBatch::frmBatch(const BatchSettings& initial, Messages& messages,
     tagRow->addWidget(m_tag, 1);
     v->addLayout(tagRow);
 
-    for (auto [box, field] : {std::pair{m_dir, BatchField::Folder}, std::pair{m_count, BatchField::Count},
-                              std::pair{m_wait, BatchField::Wait}})
+    for (auto [box, field] :
+         {std::pair{m_dir, BatchField::Folder}, std::pair{m_count, BatchField::Count},
+          std::pair{m_wait, BatchField::Wait}})
         connect(box, &QLineEdit::editingFinished, this, [this, field] { checkField(field); });
 
     auto* buttons = new QDialogButtonBox;
@@ -92,15 +98,19 @@ BatchWindowFields frmBatch::fields() const {
 }
 
 void frmBatch::focusField(BatchField field) {
-    QLineEdit* box = field == BatchField::Folder ? m_dir : field == BatchField::Count ? m_count : m_wait;
+    QLineEdit* box = field == BatchField::Folder  ? m_dir
+                     : field == BatchField::Count ? m_count
+                                                  : m_wait;
     box->setFocus();
     box->selectAll();
 }
 
 void frmBatch::checkField(BatchField field) {
-    if (m_checking || !isVisible()) return;
+    if (m_checking || !isVisible())
+        return;
     const auto error = ValidateBatchField(field, fields());
-    if (!error) return;
+    if (!error)
+        return;
     m_checking = true;
     m_messages.exclamation(error->message, kBatchSettingsTitle);
     focusField(error->field);
@@ -125,7 +135,8 @@ void frmBatch::cmdStart() {
     s.szBatchTag = m_tag->text().toStdString();
     m_checking = true; // closing moves the focus; nothing more to check
     accept();
-    if (m_start) m_start(s);
+    if (m_start)
+        m_start(s);
 }
 
 } // namespace vexo

@@ -42,7 +42,8 @@ frmDevices::frmDevices(DeviceLibrary& lib, Messages& messages, QWidget* parent)
 }
 
 frmDevices::~frmDevices() {
-    if (!m_closed) m_search->close();
+    if (!m_closed)
+        m_search->close();
 }
 
 void frmDevices::tmrSearch() {
@@ -57,7 +58,8 @@ void frmDevices::showRows() {
         delete m_list->takeTopLevelItem(m_list->topLevelItemCount() - 1);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         QTreeWidgetItem* item = m_list->topLevelItem(static_cast<int>(i));
-        if (!item) item = new QTreeWidgetItem(m_list);
+        if (!item)
+            item = new QTreeWidgetItem(m_list);
         const DeviceRow& r = rows[i];
         item->setText(0, QString::number(r.No));
         item->setText(1, QString::fromStdString(r.Name));
@@ -70,8 +72,10 @@ void frmDevices::showRows() {
 }
 
 void frmDevices::cmdOpen() {
-    const int selected = m_list->currentItem() ? m_list->indexOfTopLevelItem(m_list->currentItem()) : 0;
-    if (m_search->chooseOpen(selected, m_messages)) accept();
+    const int selected =
+        m_list->currentItem() ? m_list->indexOfTopLevelItem(m_list->currentItem()) : 0;
+    if (m_search->chooseOpen(selected, m_messages))
+        accept();
 }
 
 // A fresh search object restarts the library's search from scratch.

@@ -66,7 +66,9 @@ void SpectrumPlot::styleTrace(SpectrumTrace* trace, const QColor& color, bool fi
     trace->setGraphType(m_graphType);
 }
 
-void SpectrumPlot::setYScale(YScale scale) { m_scale = scale; }
+void SpectrumPlot::setYScale(YScale scale) {
+    m_scale = scale;
+}
 
 void SpectrumPlot::setGraphType(int graphType) {
     m_graphType = std::clamp(graphType, 1, 3);
@@ -84,10 +86,13 @@ void SpectrumPlot::setXRange(int32_t first, int32_t last) {
     m_last = std::clamp(std::max(first, last), 0, top);
 }
 
-void SpectrumPlot::setCursorChannel(int32_t channel) { m_cursor = channel; }
+void SpectrumPlot::setCursorChannel(int32_t channel) {
+    m_cursor = channel;
+}
 
 SpectrumPlot::MarkedRange SpectrumPlot::markedRange() const {
-    if (m_markFirst < 0) return {0, m_doc ? m_doc->lChannels - 1 : 0};
+    if (m_markFirst < 0)
+        return {0, m_doc ? m_doc->lChannels - 1 : 0};
     return {std::min(m_markFirst, m_markLast), std::max(m_markFirst, m_markLast)};
 }
 
@@ -97,12 +102,14 @@ void SpectrumPlot::setMarkedRange(int32_t first, int32_t last) {
 }
 
 double SpectrumPlot::x(int32_t ch) const {
-    if (!m_doc) return ch;
+    if (!m_doc)
+        return ch;
     return AxisValue(ch, m_unit, m_doc->plot, m_doc->sngDwellTime);
 }
 
 int32_t SpectrumPlot::channelAtPixel(double px) const {
-    if (!m_doc) return 0;
+    if (!m_doc)
+        return 0;
     return ChannelAtAxisValue(xAxis->pixelToCoord(px), m_first, m_last, m_unit, m_doc->plot,
                               m_doc->sngDwellTime);
 }
@@ -116,20 +123,23 @@ void SpectrumPlot::fillTrace(SpectrumTrace* trace, int32_t first, int32_t last, 
     for (const PlotColumn& c : cols) {
         trace_columns.push_back({x(c.firstChannel), TransformCount(c.minCounts, m_scale),
                                  TransformCount(c.maxCounts, m_scale)});
-        if (peak) *peak = std::max(*peak, static_cast<double>(c.maxCounts));
+        if (peak)
+            *peak = std::max(*peak, static_cast<double>(c.maxCounts));
     }
     trace->setColumns(std::move(trace_columns), x(last + 1));
 }
 
 void SpectrumPlot::updateRois(int columns) {
     const std::vector<PlotRoi>& rois = m_doc->plot.rois;
-    while (m_roiTraces.size() < rois.size()) m_roiTraces.push_back(new SpectrumTrace(xAxis, yAxis));
+    while (m_roiTraces.size() < rois.size())
+        m_roiTraces.push_back(new SpectrumTrace(xAxis, yAxis));
     const double span = static_cast<double>(m_last - m_first + 1);
     for (std::size_t i = 0; i < m_roiTraces.size(); ++i) {
         SpectrumTrace* g = m_roiTraces[i];
         const bool shown = i < rois.size() && rois[i].lLast >= m_first && rois[i].lFirst <= m_last;
         g->setVisible(shown);
-        if (!shown) continue;
+        if (!shown)
+            continue;
         const int32_t a = std::max(rois[i].lFirst, m_first);
         const int32_t b = std::min(rois[i].lLast, m_last);
         const int cols = std::max(1, static_cast<int>(columns * (b - a + 1) / span + 0.5));
@@ -173,7 +183,8 @@ void SpectrumPlot::refreshPlot() {
         fillTrace(m_trace, m_first, m_last, columns, &peak);
         updateRois(columns);
         double lo = x(m_first), hi = x(m_graphType == 3 ? m_last + 1 : m_last);
-        if (!(hi > lo)) hi = lo + 1.0; // a one-channel range or a zero dwell time
+        if (!(hi > lo))
+            hi = lo + 1.0; // a one-channel range or a zero dwell time
         xAxis->setRange(lo, hi);
         updateYAxis(peak);
         updateCursorAndMark();

@@ -19,9 +19,9 @@
 #include "device/ui/Settings.h"
 #include "shell/AppDir.h"
 #include "shell/DateTime.h"
-#include "spectrum/CountRate.h"
 #include "shell/ui/QtMessages.h"
 #include "shell/ui/SpectrumPlot.h"
+#include "spectrum/CountRate.h"
 #include "spectrum/ui/calib.h"
 
 namespace vexo {
@@ -51,7 +51,8 @@ TopLevel::TopLevel(const std::filesystem::path& appDir, Messages* messages)
 // A window destroyed without being closed (a test, an aborted start) still releases
 // the device before the library goes away.
 TopLevel::~TopLevel() {
-    if (m_connection && m_doc.hDevice != 0) m_connection->exit();
+    if (m_connection && m_doc.hDevice != 0)
+        m_connection->exit();
 }
 
 // Start-up, in the order the program has always followed.
@@ -62,7 +63,9 @@ void TopLevel::startUp() {
     m_doc.rois.clear();
     std::error_code ec;
     std::filesystem::current_path(m_appDir, ec);
-    if (ec) m_messages->critical("Cannot change to the program folder " + m_appDir.string() + ": " + ec.message());
+    if (ec)
+        m_messages->critical("Cannot change to the program folder " + m_appDir.string() + ": " +
+                             ec.message());
     if (!LoadSettings(m_settings, m_appDir, *m_messages))
         OfferShippedNuclideLibrary(m_settings, ExecutableDir());
     m_doc.resetCalibration();
@@ -79,7 +82,8 @@ void TopLevel::startUp() {
     RefreshMainWindow(16);
     DisplaySpectrum();
     UpdateInfo();
-    if (m_settings.OpenLastDetectorUsed) startAutoConnect();
+    if (m_settings.OpenLastDetectorUsed)
+        startAutoConnect();
 }
 
 void TopLevel::restorePlacement() {
@@ -88,10 +92,12 @@ void TopLevel::restorePlacement() {
                              : QRect(0, 0, 1280, 800);
     LoadFormLocation(m_location, m_appDir, screen.width(), screen.height());
     resize(1000, 600);
-    if (!m_location.RememberLoc) return;
+    if (!m_location.RememberLoc)
+        return;
     // Pixels are pixels here: the twips-per-pixel factor of the stored values is 1.
     setGeometry(m_location.Left, m_location.Top, m_location.Width, m_location.Height);
-    if (m_location.State == 2) setWindowState(Qt::WindowMaximized);
+    if (m_location.State == 2)
+        setWindowState(Qt::WindowMaximized);
 }
 
 void TopLevel::storePlacement() {
@@ -109,7 +115,8 @@ void TopLevel::closeEvent(QCloseEvent* event) {
     m_tmrRefresh.stop();
     m_tmrConnect.stop();
     m_tmrBatchWait.stop();
-    if (m_connection) m_connection->exit();
+    if (m_connection)
+        m_connection->exit();
     storePlacement();
     event->accept();
 }
@@ -156,26 +163,33 @@ void TopLevel::applyUpdate(const MainWindowUpdate& u) {
     for (int i = 0; i < kToolButtonCount; ++i) {
         const ButtonUpdate& b = u.buttons[i];
         QAction* a = m_tools[i];
-        if (b.enabled) a->setEnabled(*b.enabled && !m_unavailable.count(a->objectName()));
-        if (b.checked) a->setChecked(*b.checked);
-        if (b.visible) a->setVisible(*b.visible);
+        if (b.enabled)
+            a->setEnabled(*b.enabled && !m_unavailable.count(a->objectName()));
+        if (b.checked)
+            a->setChecked(*b.checked);
+        if (b.visible)
+            a->setVisible(*b.visible);
     }
     for (const PanelText& p : u.panels)
         setPanelText(p.panel, QString::fromStdString(p.text));
-    if (u.spectrumId) m_txtSpectrumID->setText(QString::fromStdString(*u.spectrumId));
+    if (u.spectrumId)
+        m_txtSpectrumID->setText(QString::fromStdString(*u.spectrumId));
     if (u.roiItemsEnabled)
         for (const std::string& key : RoiMenuItems())
             m_items[QString::fromStdString(key)]->setEnabled(*u.roiItemsEnabled);
-    if (u.runCalibrate) Calibrate();
+    if (u.runCalibrate)
+        Calibrate();
     m_tools[static_cast<int>(ToolButton::tbZoom)]->setChecked(m_zoom.zoomed);
 }
 
 void TopLevel::UpdateMenu() {
     for (const MenuItemState& item : vexo::UpdateMenu(flags())) {
         auto it = m_items.find(QString::fromStdString(item.key));
-        if (it == m_items.end()) continue;
+        if (it == m_items.end())
+            continue;
         it->second->setEnabled(item.enabled && !m_unavailable.count(it->first));
-        if (item.checked) it->second->setChecked(*item.checked);
+        if (item.checked)
+            it->second->setChecked(*item.checked);
     }
     for (const auto& [key, tip] : m_unavailable) {
         if (QAction* a = action(key)) {
@@ -189,7 +203,8 @@ void TopLevel::UpdateMenu() {
 }
 
 QAction* TopLevel::action(const QString& key) const {
-    if (auto b = ToolButtonFromKey(key.toStdString())) return m_tools[static_cast<int>(*b)];
+    if (auto b = ToolButtonFromKey(key.toStdString()))
+        return m_tools[static_cast<int>(*b)];
     auto it = m_items.find(key);
     return it == m_items.end() ? nullptr : it->second;
 }
@@ -200,13 +215,16 @@ QString TopLevel::panelText(StatusPanel panel) const {
 
 QStringList TopLevel::infoTexts() const {
     QStringList out;
-    for (QLabel* l : m_cursorLabels) out << l->text();
-    for (QLabel* l : m_roiLabels) out << l->text();
+    for (QLabel* l : m_cursorLabels)
+        out << l->text();
+    for (QLabel* l : m_roiLabels)
+        out << l->text();
     return out;
 }
 
 void TopLevel::DisplaySpectrum() {
-    m_plot41->setXRange(m_zoom.zoomed ? m_zoom.xMin : 0, m_zoom.zoomed ? m_zoom.xMax : m_doc.lChannels - 1);
+    m_plot41->setXRange(m_zoom.zoomed ? m_zoom.xMin : 0,
+                        m_zoom.zoomed ? m_zoom.xMax : m_doc.lChannels - 1);
     m_plot42->setXRange(0, m_doc.lChannels - 1);
     m_plot41->refreshPlot();
     m_plot42->refreshPlot();
@@ -214,7 +232,8 @@ void TopLevel::DisplaySpectrum() {
 
 void TopLevel::applyXUnit(const AxisSetup& setup) {
     m_xUnit = setup.unit;
-    for (SpectrumPlot* p : {m_plot41, m_plot42}) p->setXUnit(setup.unit, QString::fromStdString(setup.caption));
+    for (SpectrumPlot* p : {m_plot41, m_plot42})
+        p->setXUnit(setup.unit, QString::fromStdString(setup.caption));
     DisplaySpectrum();
     UpdateMenu();
 }
@@ -222,7 +241,8 @@ void TopLevel::applyXUnit(const AxisSetup& setup) {
 // An open MCA settings window follows too: its discriminator energies use the calibration.
 void TopLevel::Calibrate() {
     applyXUnit(vexo::Calibrate(m_doc));
-    if (m_settingsWindow) m_settingsWindow->refreshCalibration();
+    if (m_settingsWindow)
+        m_settingsWindow->refreshCalibration();
 }
 
 void TopLevel::SetCursor(int32_t channel) {
@@ -233,7 +253,8 @@ void TopLevel::SetCursor(int32_t channel) {
 
 void TopLevel::UpdateInfo() {
     const auto r = vexo::UpdateInfo(m_doc, m_plot41->cursorChannel());
-    if (!r) return; // a channel outside the array leaves the read-out as it was
+    if (!r)
+        return; // a channel outside the array leaves the read-out as it was
     m_cursorLabels[0]->setText(QString::fromStdString(r->channel));
     m_cursorLabels[1]->setText(QString::fromStdString(r->counts));
     m_cursorLabels[2]->setText(QString::fromStdString(r->position));
@@ -245,15 +266,19 @@ void TopLevel::onCursorMoved(int channel) {
     UpdateInfo();
 }
 
-calib* TopLevel::existingCalibDialog() const { return m_calib.data(); }
+calib* TopLevel::existingCalibDialog() const {
+    return m_calib.data();
+}
 
 void TopLevel::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
 }
 
 void TopLevel::dropEvent(QDropEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (!urls.isEmpty() && urls.front().isLocalFile()) openSpectrum(urls.front().toLocalFile());
+    if (!urls.isEmpty() && urls.front().isLocalFile())
+        openSpectrum(urls.front().toLocalFile());
 }
 
 } // namespace vexo

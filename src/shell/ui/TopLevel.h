@@ -121,8 +121,8 @@ private:
     void buildStatusBar();
     void buildCentral();
     void setPanelText(StatusPanel panel, const QString& text); // empty: hidden
-    QAction* addItem(QMenu* menu, const char* key, const QString& caption,
-                     void (TopLevel::*slot)(), const QKeySequence& shortcut = {});
+    QAction* addItem(QMenu* menu, const char* key, const QString& caption, void (TopLevel::*slot)(),
+                     const QKeySequence& shortcut = {});
     void layoutPlots();
 
     // Start-up and shut-down (TopLevel.cpp).

@@ -12,17 +12,19 @@
 #include "shell/DialogFilter.h"
 #include "shell/ExternalProcessing.h"
 #include "shell/Messages.h"
-#include "spectrum/SpectrumCommands.h"
 #include "shell/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
-#include "spectrum/ui/calib.h"
 #include "shell/ui/frmPref.h"
+#include "spectrum/SpectrumCommands.h"
+#include "spectrum/ui/calib.h"
 
 namespace vexo {
 
 namespace {
 
-QString Q(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<int>(text.size())); }
+QString Q(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
 
 constexpr std::string_view kSaveRoiTitle = "Save ROIs into file...";
 constexpr std::string_view kSaveRoiFilter =
@@ -37,7 +39,8 @@ QString AskFile(QWidget* parent, bool save, std::string_view title, std::string_
     dialog.setDefaultSuffix(Q(defaultExt));
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
     return dialog.selectedFiles().front();
 }
 
@@ -53,8 +56,10 @@ bool TopLevel::openSpectrum(const QString& path) {
     setWindowTitle("Vexo - " + QString::fromStdString(m_doc.szFileName));
     addRecentFile(path);
     m_zoom = {false, 0, m_doc.lChannels - 1};
-    for (int code : kOpenRefreshCodes) RefreshMainWindow(code);
-    if (m_xUnit != XUnit::Channels) Calibrate(); // the axis follows the new calibration
+    for (int code : kOpenRefreshCodes)
+        RefreshMainWindow(code);
+    if (m_xUnit != XUnit::Channels)
+        Calibrate(); // the axis follows the new calibration
     DisplaySpectrum();
     UpdateInfo();
     return true;
@@ -62,38 +67,44 @@ bool TopLevel::openSpectrum(const QString& path) {
 
 bool TopLevel::saveSpectrum(const QString& path) {
     const SaveResult r = SaveSpectrum(m_doc, path.toStdString());
-    if (!r.ok) m_messages->exclamation("Error saving file: " + r.error);
+    if (!r.ok)
+        m_messages->exclamation("Error saving file: " + r.error);
     return r.ok;
 }
 
 bool TopLevel::saveAllSpectrum(const QString& path) {
-    if (!SaveAllSpectrum(m_doc, path.toStdString(), *m_messages)) return false;
+    if (!SaveAllSpectrum(m_doc, path.toStdString(), *m_messages))
+        return false;
     addRecentFile(path);
     return true;
 }
 
 void TopLevel::mnuFileOpen() {
-    const QString path = AskFile(this, false, kOpenSpectrumTitle, kOpenSpectrumFilter,
-                                 kOpenSpectrumDefaultExt);
-    if (!path.isEmpty()) openSpectrum(path);
+    const QString path =
+        AskFile(this, false, kOpenSpectrumTitle, kOpenSpectrumFilter, kOpenSpectrumDefaultExt);
+    if (!path.isEmpty())
+        openSpectrum(path);
 }
 
 void TopLevel::mnuFileSave() {
-    const QString path = AskFile(this, true, kSaveSpectrumTitle, kSaveSpectrumFilter,
-                                 kSaveSpectrumDefaultExt);
-    if (!path.isEmpty()) saveSpectrum(path);
+    const QString path =
+        AskFile(this, true, kSaveSpectrumTitle, kSaveSpectrumFilter, kSaveSpectrumDefaultExt);
+    if (!path.isEmpty())
+        saveSpectrum(path);
 }
 
 void TopLevel::mnuFileSaveAll() {
     const QString path = AskFile(this, true, kSaveAllSpectrumTitle, kSaveAllSpectrumFilter,
                                  kSaveAllSpectrumDefaultExt);
-    if (!path.isEmpty()) saveAllSpectrum(path);
+    if (!path.isEmpty())
+        saveAllSpectrum(path);
 }
 
 void TopLevel::addRecentFile(const QString& path) {
     m_recentFiles.removeAll(path);
     m_recentFiles.prepend(path);
-    while (m_recentFiles.size() > 8) m_recentFiles.removeLast();
+    while (m_recentFiles.size() > 8)
+        m_recentFiles.removeLast();
     rebuildRecentMenu();
 }
 
@@ -101,7 +112,8 @@ void TopLevel::rebuildRecentMenu() {
     m_recentMenu->clear();
     for (int i = 0; i < m_recentFiles.size(); ++i) {
         const QString path = m_recentFiles[i];
-        QAction* a = m_recentMenu->addAction(QString("&%1 %2").arg(i + 1).arg(QFileInfo(path).fileName()));
+        QAction* a =
+            m_recentMenu->addAction(QString("&%1 %2").arg(i + 1).arg(QFileInfo(path).fileName()));
         a->setToolTip(path);
         connect(a, &QAction::triggered, this, [this, path] { openSpectrum(path); });
     }
@@ -110,7 +122,8 @@ void TopLevel::rebuildRecentMenu() {
 
 void TopLevel::zoomIn() {
     const SpectrumPlot::MarkedRange mark = m_plot42->markedRange();
-    if (!vexo::ZoomIn(m_zoom, mark.first, mark.last, m_doc.lChannels)) return;
+    if (!vexo::ZoomIn(m_zoom, mark.first, mark.last, m_doc.lChannels))
+        return;
     layoutPlots();
     DisplaySpectrum();
     UpdateMenu();
@@ -118,7 +131,8 @@ void TopLevel::zoomIn() {
 }
 
 void TopLevel::zoomOut() {
-    if (!vexo::ZoomOut(m_zoom, m_doc.lChannels)) return;
+    if (!vexo::ZoomOut(m_zoom, m_doc.lChannels))
+        return;
     layoutPlots();
     DisplaySpectrum();
     UpdateMenu();
@@ -127,52 +141,89 @@ void TopLevel::zoomOut() {
 
 void TopLevel::setGraphType(int graphType) {
     m_settings.SpctGraphType = graphType;
-    for (SpectrumPlot* p : {m_plot41, m_plot42}) p->setGraphType(graphType);
+    for (SpectrumPlot* p : {m_plot41, m_plot42})
+        p->setGraphType(graphType);
     DisplaySpectrum();
     UpdateMenu();
 }
 
 void TopLevel::setYScale(int mode) {
     m_settings.SpctScaleMode = mode;
-    for (SpectrumPlot* p : {m_plot41, m_plot42}) p->setYScale(static_cast<YScale>(mode));
+    for (SpectrumPlot* p : {m_plot41, m_plot42})
+        p->setYScale(static_cast<YScale>(mode));
     DisplaySpectrum();
     m_tools[static_cast<int>(ToolButton::tbLin)]->setChecked(mode == 1);
     m_tools[static_cast<int>(ToolButton::tbLog)]->setChecked(mode == 0);
     UpdateMenu();
 }
 
-void TopLevel::showChannels() { applyXUnit(ShowChannels(m_doc)); }
-void TopLevel::showEnergy() { Calibrate(); }
+void TopLevel::showChannels() {
+    applyXUnit(ShowChannels(m_doc));
+}
+void TopLevel::showEnergy() {
+    Calibrate();
+}
 // Time is what Calibrate gives an MCS spectrum; a PHA spectrum has no time axis.
 void TopLevel::showTime() {
-    if (m_doc.lMCSMode != 0) Calibrate();
-    else UpdateMenu(); // puts the check marks back as they were
+    if (m_doc.lMCSMode != 0)
+        Calibrate();
+    else
+        UpdateMenu(); // puts the check marks back as they were
 }
 
 void TopLevel::dispatchToolButton(const QString& key) {
     const auto button = ToolButtonFromKey(key.toStdString());
-    if (!button) return;
+    if (!button)
+        return;
     switch (*button) {
-    case ToolButton::tbConnect: connectDevice(); break;
-    case ToolButton::tbDisconnect: disconnectDevice(); break;
-    case ToolButton::tbOpen: mnuFileOpen(); break;
-    case ToolButton::tbSave: mnuFileSaveAll(); break;
-    case ToolButton::tbPrint: break; // kept disabled: no report in this version
-    case ToolButton::tbStart: startAcquisition(); break;
-    case ToolButton::tbStop: stopAcquisition(); break;
-    case ToolButton::tbClear: clearAcquisition(); break;
-    case ToolButton::tbLin: setYScale(1); break;
-    case ToolButton::tbLog: setYScale(0); break;
-    case ToolButton::tbZoom: m_zoom.zoomed ? zoomOut() : zoomIn(); break;
-    case ToolButton::tbScope: toggleScope(); break;
-    case ToolButton::tbSettings: showMcaSettings(); break;
-    case ToolButton::tbProcess: mnuToolsProcess(); break;
+    case ToolButton::tbConnect:
+        connectDevice();
+        break;
+    case ToolButton::tbDisconnect:
+        disconnectDevice();
+        break;
+    case ToolButton::tbOpen:
+        mnuFileOpen();
+        break;
+    case ToolButton::tbSave:
+        mnuFileSaveAll();
+        break;
+    case ToolButton::tbPrint:
+        break; // kept disabled: no report in this version
+    case ToolButton::tbStart:
+        startAcquisition();
+        break;
+    case ToolButton::tbStop:
+        stopAcquisition();
+        break;
+    case ToolButton::tbClear:
+        clearAcquisition();
+        break;
+    case ToolButton::tbLin:
+        setYScale(1);
+        break;
+    case ToolButton::tbLog:
+        setYScale(0);
+        break;
+    case ToolButton::tbZoom:
+        m_zoom.zoomed ? zoomOut() : zoomIn();
+        break;
+    case ToolButton::tbScope:
+        toggleScope();
+        break;
+    case ToolButton::tbSettings:
+        showMcaSettings();
+        break;
+    case ToolButton::tbProcess:
+        mnuToolsProcess();
+        break;
     }
 }
 
 void TopLevel::mnuROISave() {
     const QString path = AskFile(this, true, kSaveRoiTitle, kSaveRoiFilter, "roi");
-    if (path.isEmpty()) return;
+    if (path.isEmpty())
+        return;
     std::string error;
     if (!WriteRoiFile(path.toStdString(), m_doc.rois, &error))
         m_messages->exclamation("Error saving file: " + error);
@@ -216,10 +267,13 @@ void TopLevel::showCalibration() {
 
 void TopLevel::showPreferences() {
     frmPref dialog(m_settings, m_location, m_appDir, *m_messages, this);
-    if (dialog.exec() != QDialog::Accepted) return;
+    if (dialog.exec() != QDialog::Accepted)
+        return;
     if (!SaveSettings(m_settings, false, m_appDir))
-        m_messages->critical("Could not write the settings file " + SettingsFilePath(m_appDir).string());
-    for (SpectrumPlot* p : {m_plot41, m_plot42}) p->setAppearance(AppearanceFrom(m_settings));
+        m_messages->critical("Could not write the settings file " +
+                             SettingsFilePath(m_appDir).string());
+    for (SpectrumPlot* p : {m_plot41, m_plot42})
+        p->setAppearance(AppearanceFrom(m_settings));
     setYScale(m_settings.SpctScaleMode);
     setGraphType(m_settings.SpctGraphType);
     RefreshMainWindow(16); // the processing button follows its setting

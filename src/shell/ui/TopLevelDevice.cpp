@@ -9,12 +9,12 @@
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
 #include "device/ScopeController.h"
+#include "device/ui/Scope.h"
+#include "device/ui/Settings.h"
 #include "device/ui/frmAutoConnect.h"
+#include "device/ui/frmBatch.h"
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
-#include "device/ui/Scope.h"
-#include "device/ui/frmBatch.h"
-#include "device/ui/Settings.h"
 #include "shell/AppDir.h"
 #include "shell/Messages.h"
 #include "shell/ui/SpectrumPlot.h"
@@ -45,12 +45,15 @@ void TopLevel::createControllers() {
     ah.connectionLost = [this] {
         m_tmrRefresh.stop();
         m_tmrBatchWait.stop();
-        if (m_scopeWindow) m_scopeWindow->close();
-        if (m_settingsWindow) m_settingsWindow->close();
+        if (m_scopeWindow)
+            m_scopeWindow->close();
+        if (m_settingsWindow)
+            m_settingsWindow->close();
         RefreshMainWindow(0);
     };
     ah.scopeCycle = [this] {
-        if (m_scopeWindow && m_scopeWindow->isVisible()) m_scopeWindow->DisplayWaveform();
+        if (m_scopeWindow && m_scopeWindow->isVisible())
+            m_scopeWindow->DisplayWaveform();
     };
     m_acq = std::make_unique<AcquisitionController>(*m_lib, m_doc, *m_messages, ah);
 
@@ -64,11 +67,14 @@ void TopLevel::createControllers() {
         showAcquisitionTexts();
     };
     ch.closeDeviceWindows = [this] {
-        if (m_scopeWindow) m_scopeWindow->close();
-        if (m_settingsWindow) m_settingsWindow->close();
+        if (m_scopeWindow)
+            m_scopeWindow->close();
+        if (m_settingsWindow)
+            m_settingsWindow->close();
     };
     ch.refreshSettingsControls = [this] {
-        if (m_settingsWindow) m_settingsWindow->refreshControls();
+        if (m_settingsWindow)
+            m_settingsWindow->refreshControls();
     };
     ch.setRefreshTimer = [this](bool on) { on ? m_tmrRefresh.start() : m_tmrRefresh.stop(); };
     m_connection = std::make_unique<ConnectionController>(*m_lib, m_doc, m_settings, m_appDir,
@@ -92,13 +98,15 @@ void TopLevel::createControllers() {
 }
 
 bool TopLevel::needDevice() {
-    if (m_lib) return true;
+    if (m_lib)
+        return true;
     m_messages->critical("The device library could not be loaded: " + m_libError);
     return false;
 }
 
 void TopLevel::startAutoConnect() {
-    if (!needDevice()) return;
+    if (!needDevice())
+        return;
     m_autoConnect->start();
     m_frmAutoConnect = new frmAutoConnect(*m_autoConnect, this);
     m_frmAutoConnect->setAttribute(Qt::WA_DeleteOnClose);
@@ -108,13 +116,17 @@ void TopLevel::startAutoConnect() {
 
 void TopLevel::tmrConnect() {
     m_autoConnect->tick();
-    if (m_frmAutoConnect) m_frmAutoConnect->showState();
-    if (!m_autoConnect->timerEnabled()) m_tmrConnect.stop();
-    if (m_doc.hDevice != 0) RefreshMainWindow(4);
+    if (m_frmAutoConnect)
+        m_frmAutoConnect->showState();
+    if (!m_autoConnect->timerEnabled())
+        m_tmrConnect.stop();
+    if (m_doc.hDevice != 0)
+        RefreshMainWindow(4);
 }
 
 void TopLevel::showAcquisitionTexts() {
-    if (!m_acq) return;
+    if (!m_acq)
+        return;
     const AcquisitionPanelTexts& t = m_acq->panelTexts();
     setPanelText(StatusPanel::Status, QString::fromStdString(t.status));
     setPanelText(StatusPanel::Preset, QString::fromStdString(t.preset));
@@ -132,7 +144,8 @@ void TopLevel::showAcquisitionTexts() {
 // The read-out follows the ROI under the cursor, or the first ROI when none holds it.
 void TopLevel::showRoiReadout() {
     const std::vector<RoiReadout>& readouts = m_acq->roiReadouts();
-    if (readouts.empty()) return;
+    if (readouts.empty())
+        return;
     std::size_t pick = 0;
     const int32_t cursor = m_plot41->cursorChannel();
     std::size_t i = 0;
@@ -143,16 +156,19 @@ void TopLevel::showRoiReadout() {
         }
         ++i;
     }
-    if (pick >= readouts.size() || !readouts[pick].ok) return; // the old figures stay
+    if (pick >= readouts.size() || !readouts[pick].ok)
+        return; // the old figures stay
     const RoiReadout& r = readouts[pick];
     const std::string texts[4] = {r.netArea, r.integral, r.netRate, r.intRate};
-    for (int k = 0; k < 4; ++k) m_roiLabels[k]->setText(QString::fromStdString(texts[k]));
+    for (int k = 0; k < 4; ++k)
+        m_roiLabels[k]->setText(QString::fromStdString(texts[k]));
 }
 
 void TopLevel::connectDevice() {
-    if (!needDevice()) return;
-    const bool connected = m_connection->connect(
-        [this] { return ChooseDevice(*m_lib, *m_messages, this); });
+    if (!needDevice())
+        return;
+    const bool connected =
+        m_connection->connect([this] { return ChooseDevice(*m_lib, *m_messages, this); });
     if (connected) {
         setWindowTitle("Vexo");
         DisplaySpectrum();
@@ -161,26 +177,30 @@ void TopLevel::connectDevice() {
 }
 
 void TopLevel::disconnectDevice() {
-    if (!m_connection) return;
+    if (!m_connection)
+        return;
     m_tmrBatchWait.stop();
     m_connection->disconnect();
     RefreshMainWindow(0);
 }
 
 void TopLevel::startAcquisition() {
-    if (!needDevice()) return;
+    if (!needDevice())
+        return;
     m_acq->start();
     showAcquisitionTexts();
 }
 
 void TopLevel::stopAcquisition() {
-    if (!needDevice()) return;
+    if (!needDevice())
+        return;
     m_acq->stop();
     showAcquisitionTexts();
 }
 
 void TopLevel::clearAcquisition() {
-    if (!needDevice()) return;
+    if (!needDevice())
+        return;
     m_acq->clear();
     DisplaySpectrum();
     UpdateInfo();
@@ -188,36 +208,49 @@ void TopLevel::clearAcquisition() {
 }
 
 void TopLevel::showBatch() {
-    if (!needDevice()) return;
+    if (!needDevice())
+        return;
     BatchSettings initial = m_batch->settings();
-    if (initial.szBatchDir.empty()) initial.szBatchDir = m_settings.BatchDataDir;
-    frmBatch dialog(initial, *m_messages, [this](const BatchSettings& s) {
-        m_batch->begin(s);
-        RefreshMainWindow(16);
-        showAcquisitionTexts();
-    }, this);
+    if (initial.szBatchDir.empty())
+        initial.szBatchDir = m_settings.BatchDataDir;
+    frmBatch dialog(
+        initial, *m_messages,
+        [this](const BatchSettings& s) {
+            m_batch->begin(s);
+            RefreshMainWindow(16);
+            showAcquisitionTexts();
+        },
+        this);
     dialog.exec();
 }
 
-Settings* TopLevel::settingsWindow() const { return m_settingsWindow.data(); }
+Settings* TopLevel::settingsWindow() const {
+    return m_settingsWindow.data();
+}
 
 void TopLevel::showMcaSettings() {
-    if (!needDevice()) return;
+    if (!needDevice())
+        return;
     if (m_doc.hDevice == 0) {
         m_messages->exclamation("Not connected");
         return;
     }
     if (!m_settingsWindow) {
-        m_settingsWindow = new Settings(*m_lib, m_doc, *m_messages, [this] {
-            DisplaySpectrum();
-            UpdateInfo();
-        }, this);
+        m_settingsWindow = new Settings(
+            *m_lib, m_doc, *m_messages,
+            [this] {
+                DisplaySpectrum();
+                UpdateInfo();
+            },
+            this);
     }
     m_settingsWindow->show();
     m_settingsWindow->raise();
 }
 
-Scope* TopLevel::scopeWindow() const { return m_scopeWindow.data(); }
+Scope* TopLevel::scopeWindow() const {
+    return m_scopeWindow.data();
+}
 
 // The menu's check mark follows the window however it closes: the window reports its
 // closing, and the mark is cleared there.
@@ -230,18 +263,23 @@ void TopLevel::toggleScope() {
         UpdateMenu();
         return;
     }
-    m_scopeWindow = new Scope(*m_scope, [this] {
-        m_scopeShown = false;
-        UpdateMenu();
-    }, this);
+    m_scopeWindow = new Scope(
+        *m_scope,
+        [this] {
+            m_scopeShown = false;
+            UpdateMenu();
+        },
+        this);
     m_scopeShown = true;
     m_scopeWindow->show();
     UpdateMenu();
 }
 
 void TopLevel::showDeviceInfo() {
-    if (!needDevice()) return;
-    if (!m_connection->deviceInfo()) return;
+    if (!needDevice())
+        return;
+    if (!m_connection->deviceInfo())
+        return;
     frmDeviceInfo dialog(m_doc, this);
     dialog.exec();
 }

@@ -68,8 +68,10 @@ QAction* TopLevel::addItem(QMenu* menu, const char* key, const QString& caption,
                            void (TopLevel::*slot)(), const QKeySequence& shortcut) {
     QAction* a = menu->addAction(caption);
     a->setObjectName(key);
-    if (!shortcut.isEmpty()) a->setShortcut(shortcut);
-    if (slot) connect(a, &QAction::triggered, this, slot);
+    if (!shortcut.isEmpty())
+        a->setShortcut(shortcut);
+    if (slot)
+        connect(a, &QAction::triggered, this, slot);
     m_items[QString(key)] = a;
     return a;
 }
@@ -104,9 +106,15 @@ void TopLevel::buildViewMenu() {
         connect(a, &QAction::triggered, this, fn);
         return a;
     };
-    check("mnuViewToolbar", "&Toolbar", [this](bool on) { m_toolbar->setVisible(on); })->setChecked(true);
-    check("mnuViewStatusBar", "&Status bar", [this](bool on) { statusBar()->setVisible(on); })->setChecked(true);
-    check("mnuViewInfobar", "&Info bar", [this](bool on) { m_infoBar->setVisible(on); })->setChecked(true);
+    check("mnuViewToolbar", "&Toolbar", [this](bool on) {
+        m_toolbar->setVisible(on);
+    })->setChecked(true);
+    check("mnuViewStatusBar", "&Status bar", [this](bool on) {
+        statusBar()->setVisible(on);
+    })->setChecked(true);
+    check("mnuViewInfobar", "&Info bar", [this](bool on) {
+        m_infoBar->setVisible(on);
+    })->setChecked(true);
     view->addSeparator();
     addItem(view, "mnuViewZoomIn", "&Zoom in", &TopLevel::zoomIn, QKeySequence::ZoomIn);
     addItem(view, "mnuViewZoomOut", "Zoom &out", &TopLevel::zoomOut, QKeySequence::ZoomOut);
@@ -162,7 +170,8 @@ void TopLevel::buildToolbar() {
     for (const ToolSpec& spec : kToolSpecs) {
         const QString key = QString::fromUtf8(ToolButtonKey(spec.button).data(),
                                               static_cast<int>(ToolButtonKey(spec.button).size()));
-        const QIcon icon = spec.pixmap == kDrawn ? TextIcon(spec.text) : style()->standardIcon(spec.pixmap);
+        const QIcon icon =
+            spec.pixmap == kDrawn ? TextIcon(spec.text) : style()->standardIcon(spec.pixmap);
         QAction* a = m_toolbar->addAction(icon, key);
         a->setObjectName(key);
         a->setToolTip(spec.tip);
@@ -198,7 +207,8 @@ void TopLevel::buildStatusBar() {
         label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
         if (longest[i]) {
             const int frame = 2 * label->frameWidth() + 2 * label->margin() + 4;
-            label->setMinimumWidth(metrics.horizontalAdvance(QString::fromLatin1(longest[i])) + frame);
+            label->setMinimumWidth(metrics.horizontalAdvance(QString::fromLatin1(longest[i])) +
+                                   frame);
         }
         statusBar()->addWidget(label, longest[i] ? 0 : 1);
         label->setVisible(false);
@@ -264,9 +274,9 @@ void TopLevel::popupSpect(const QPoint& pos) {
     QMenu menu("Spectrum", this);
     menu.setObjectName("popupSpect");
     const std::pair<const char*, const char*> items[] = {
-        {"popupSpectDots", "mnuViewDots"}, {"popupSpectLines", "mnuViewLines"},
+        {"popupSpectDots", "mnuViewDots"},  {"popupSpectLines", "mnuViewLines"},
         {"popupSpectBars", "mnuViewHisto"}, {"popupSpectLin", "mnuViewLin"},
-        {"popupSpectLog", "mnuViewLog"},   {"popupSpectSqrt", "mnuViewSqrt"}};
+        {"popupSpectLog", "mnuViewLog"},    {"popupSpectSqrt", "mnuViewSqrt"}};
     const char* captions[] = {"&Dots", "&Lines", "&Histogram", "L&in", "L&og", "Sqrt"};
     for (int i = 0; i < 6; ++i) {
         QAction* view = m_items[items[i].second];
@@ -274,7 +284,8 @@ void TopLevel::popupSpect(const QPoint& pos) {
         a->setObjectName(items[i].first);
         a->setCheckable(true);
         a->setChecked(view->isChecked());
-        if (i == 2) menu.addSeparator();
+        if (i == 2)
+            menu.addSeparator();
     }
     menu.addSeparator();
     menu.addAction("&Calibrate...", this, &TopLevel::showCalibration);

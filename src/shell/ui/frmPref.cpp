@@ -36,9 +36,10 @@ void PaintSwatch(QPushButton* button, int32_t color) {
 void FillSample(SpectrumDocument& doc) {
     doc.lChannels = 512;
     for (int ch = 0; ch < doc.lChannels; ++ch)
-        doc.lCounts[ch] = static_cast<int32_t>(
-            400.0 * std::exp(-ch / 150.0) + 20.0 + 900.0 * std::exp(-0.5 * std::pow((ch - 170) / 6.0, 2)) +
-            300.0 * std::exp(-0.5 * std::pow((ch - 380) / 8.0, 2)));
+        doc.lCounts[ch] =
+            static_cast<int32_t>(400.0 * std::exp(-ch / 150.0) + 20.0 +
+                                 900.0 * std::exp(-0.5 * std::pow((ch - 170) / 6.0, 2)) +
+                                 300.0 * std::exp(-0.5 * std::pow((ch - 380) / 8.0, 2)));
     doc.plot.rois.push_back({160, 180, 255, false, ""});
 }
 
@@ -75,7 +76,8 @@ QCheckBox* frmPref::check(const QString& name, const QString& caption, bool& fie
     box->setChecked(field);
     connect(box, &QCheckBox::toggled, this, [this, &field, preview](bool on) {
         field = on;
-        if (preview) updatePreview();
+        if (preview)
+            updatePreview();
     });
     return box;
 }
@@ -87,10 +89,12 @@ QPushButton* frmPref::colorButton(const QString& name, const QString& caption, i
     PaintSwatch(button, field);
     connect(button, &QPushButton::clicked, this, [this, button, &field, preview] {
         const QColor chosen = QColorDialog::getColor(FromWinColor(field), this);
-        if (!chosen.isValid()) return; // the chooser was cancelled
+        if (!chosen.isValid())
+            return; // the chooser was cancelled
         field = ToWinColor(chosen);
         PaintSwatch(button, field);
-        if (preview) updatePreview();
+        if (preview)
+            updatePreview();
     });
     return button;
 }
@@ -193,13 +197,16 @@ QWidget* frmPref::miscPage() {
     m_styles = LoadReportStyles(m_appDir, m_messages);
     // A styles file of a single section leaves the list empty, as it always has.
     if (m_styles.highestIndex >= 2) {
-        for (int i = 0; i <= m_styles.highestIndex && i < static_cast<int>(m_styles.styles.size()); ++i)
+        for (int i = 0; i <= m_styles.highestIndex && i < static_cast<int>(m_styles.styles.size());
+             ++i)
             styles->addItem(QString::fromStdString(m_styles.styles[i].sectionName));
-        const int at = styles->findText(QString::fromStdString(m_copy.RepStyle), Qt::MatchExactly | Qt::MatchCaseSensitive);
+        const int at = styles->findText(QString::fromStdString(m_copy.RepStyle),
+                                        Qt::MatchExactly | Qt::MatchCaseSensitive);
         styles->setCurrentIndex(at >= 0 ? at : 0);
     }
     connect(styles, &QComboBox::currentIndexChanged, this, [this](int i) {
-        if (i < 0 || i >= static_cast<int>(m_styles.styles.size())) return;
+        if (i < 0 || i >= static_cast<int>(m_styles.styles.size()))
+            return;
         m_copy.RepStyle = m_styles.styles[i].sectionName;
         m_copy.Style = ResolveReportStyle(m_styles, m_copy.RepStyle);
     });
@@ -216,7 +223,12 @@ QWidget* frmPref::processingPage() {
     connect(enable, &QCheckBox::toggled, this, &frmPref::enableProcessing);
     v->addWidget(enable);
     auto* grid = new QGridLayout;
-    struct Row { const char* caption; const char* name; const std::string& value; int browse; };
+    struct Row {
+        const char* caption;
+        const char* name;
+        const std::string& value;
+        int browse;
+    };
     const Row rows[] = {{"Data directory:", "txtDataDir", m_copy.DataDir, 1},
                         {"File name:", "txtFileName", m_copy.FileName, 0},
                         {"Program:", "txtProgram", m_copy.Program, 2},
@@ -233,13 +245,18 @@ QWidget* frmPref::processingPage() {
             grid->addWidget(browse, r, 2);
             const int kind = rows[r].browse;
             connect(browse, &QPushButton::clicked, this, [this, box, kind] {
-                if (kind == 2) browseProgram();
-                else browseFolder(box, kind == 1 ? "Select data directory..." : "Select startup directory...");
+                if (kind == 2)
+                    browseProgram();
+                else
+                    browseFolder(box, kind == 1 ? "Select data directory..."
+                                                : "Select startup directory...");
             });
         }
-        if (rows[r].browse == 3) continue; // "Start in:" stays enabled
+        if (rows[r].browse == 3)
+            continue; // "Start in:" stays enabled
         m_processingControls.insert(m_processingControls.end(), {label, box});
-        if (browse) m_processingControls.push_back(browse);
+        if (browse)
+            m_processingControls.push_back(browse);
     }
     v->addLayout(grid);
     v->addStretch(1);
@@ -247,11 +264,13 @@ QWidget* frmPref::processingPage() {
 }
 
 void frmPref::enableProcessing(bool on) {
-    for (QWidget* w : m_processingControls) w->setEnabled(on);
+    for (QWidget* w : m_processingControls)
+        w->setEnabled(on);
 }
 
 void frmPref::updatePreview() {
-    if (!m_preview) return;
+    if (!m_preview)
+        return;
     m_preview->setAppearance(AppearanceFrom(m_copy));
     m_preview->setYScale(static_cast<YScale>(std::clamp(m_copy.SpctScaleMode, 0, 2)));
     m_preview->setGraphType(m_copy.SpctGraphType);
@@ -260,14 +279,17 @@ void frmPref::updatePreview() {
 
 void frmPref::browseFolder(QLineEdit* box, const QString& title) {
     const QString dir = QFileDialog::getExistingDirectory(this, title, box->text());
-    if (!dir.isEmpty()) box->setText(dir);
+    if (!dir.isEmpty())
+        box->setText(dir);
 }
 
 void frmPref::browseProgram() {
-    const QString path = QFileDialog::getOpenFileName(
-        this, "Select program...", m_boxes["txtProgram"]->text(),
-        QString::fromStdString(DialogFilterFromPipes("Executable files (*.exe)|*.exe|All files (*.*)|*.*")));
-    if (!path.isEmpty()) m_boxes["txtProgram"]->setText(path);
+    const QString path =
+        QFileDialog::getOpenFileName(this, "Select program...", m_boxes["txtProgram"]->text(),
+                                     QString::fromStdString(DialogFilterFromPipes(
+                                         "Executable files (*.exe)|*.exe|All files (*.*)|*.*")));
+    if (!path.isEmpty())
+        m_boxes["txtProgram"]->setText(path);
 }
 
 void frmPref::browseLibrary() {
@@ -275,7 +297,8 @@ void frmPref::browseLibrary() {
         this, "Select nuclide library...", m_boxes["txtDefNucLib"]->text(),
         QString::fromStdString(DialogFilterFromPipes(
             "Text files (*.txt)|*.txt|Nuclide Library files (*.nli)|*.nli|All files (*.*)|*.*")));
-    if (path.isEmpty()) return;
+    if (path.isEmpty())
+        return;
     if (!IsNuclideLibrary(path.toStdString())) {
         m_messages.exclamation("Error loading nuclide library: " + path.toStdString());
         return;
@@ -284,7 +307,8 @@ void frmPref::browseLibrary() {
 }
 
 void frmPref::cmdOk() {
-    m_copy.DefNucLib = DefaultLibraryAfterOk(m_boxes["txtDefNucLib"]->text().toStdString(), m_copy.DefNucLib);
+    m_copy.DefNucLib =
+        DefaultLibraryAfterOk(m_boxes["txtDefNucLib"]->text().toStdString(), m_copy.DefNucLib);
     m_copy.DataDir = m_boxes["txtDataDir"]->text().toStdString();
     m_copy.FileName = m_boxes["txtFileName"]->text().toStdString();
     m_copy.Program = m_boxes["txtProgram"]->text().toStdString();

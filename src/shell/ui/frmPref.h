@@ -38,8 +38,10 @@ private:
     QWidget* displayPage();
     QWidget* miscPage();
     QWidget* processingPage();
-    QCheckBox* check(const QString& name, const QString& caption, bool& field, bool preview = false);
-    QPushButton* colorButton(const QString& name, const QString& caption, int32_t& field, bool preview);
+    QCheckBox* check(const QString& name, const QString& caption, bool& field,
+                     bool preview = false);
+    QPushButton* colorButton(const QString& name, const QString& caption, int32_t& field,
+                             bool preview);
     QLineEdit* textBox(const QString& name, const std::string& value);
     void browseFolder(QLineEdit* box, const QString& title);
     void browseProgram();

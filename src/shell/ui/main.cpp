@@ -17,8 +17,8 @@ int main(int argc, char** argv) {
     parser.setApplicationDescription("Gamma-ray spectrometry with a digital multichannel analyser");
     parser.addHelpOption();
     parser.addVersionOption();
-    QCommandLineOption appDirOption("appdir", "Folder holding Vexo.ini and the program's data files.",
-                                    "DIR");
+    QCommandLineOption appDirOption("appdir",
+                                    "Folder holding Vexo.ini and the program's data files.", "DIR");
     parser.addOption(appDirOption);
     parser.addPositionalArgument("file", "Spectrum file to open.", "[file]");
     parser.process(app);
@@ -28,7 +28,8 @@ int main(int argc, char** argv) {
     // A folder named on the command line that does not exist yet is made, so the
     // settings can be saved there; one that cannot be made ends the start here.
     std::error_code ec;
-    if (!std::filesystem::is_directory(appDir, ec) && !std::filesystem::create_directories(appDir, ec)) {
+    if (!std::filesystem::is_directory(appDir, ec) &&
+        !std::filesystem::create_directories(appDir, ec)) {
         std::fprintf(stderr, "vexo: cannot use %s as the application folder: %s\n",
                      appDir.string().c_str(), ec ? ec.message().c_str() : "not a folder");
         return 1;
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
 
     vexo::TopLevel window(appDir);
     window.show();
-    if (!parser.positionalArguments().isEmpty()) window.openSpectrum(parser.positionalArguments().front());
+    if (!parser.positionalArguments().isEmpty())
+        window.openSpectrum(parser.positionalArguments().front());
     return app.exec();
 }

@@ -15,10 +15,10 @@
 
 namespace vexo {
 
-calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath,
-             Messages& messages, CalibHooks hooks, QWidget* parent)
-    : QDialog(parent), m_doc(doc), m_libraryPath(libraryPath), m_messages(messages), m_hooks(std::move(hooks)),
-      m_result(doc.calibration) {
+calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath, Messages& messages,
+             CalibHooks hooks, QWidget* parent)
+    : QDialog(parent), m_doc(doc), m_libraryPath(libraryPath), m_messages(messages),
+      m_hooks(std::move(hooks)), m_result(doc.calibration) {
     setWindowTitle("Energy calibration");
     auto* grid = new QGridLayout;
     grid->addWidget(new QLabel("Channel"), 0, 1);
@@ -32,7 +32,8 @@ calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath,
         connect(m_ch[row], &QLineEdit::textEdited, this, [this](const QString& text) {
             bool ok = false;
             const int ch = text.trimmed().toInt(&ok);
-            if (ok && m_hooks.setCursor) m_hooks.setCursor(ch);
+            if (ok && m_hooks.setCursor)
+                m_hooks.setCursor(ch);
         });
         m_en[row] = new QComboBox;
         m_en[row]->setObjectName(QString("cmbEn") + names[row]);
@@ -40,7 +41,8 @@ calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath,
         m_en[row]->setInsertPolicy(QComboBox::NoInsert);
         QComboBox* box = m_en[row];
         connect(box, &QComboBox::activated, this, [box](int index) {
-            box->setEditText(QString::fromStdString(EnergyFromListItem(box->itemText(index).toStdString())));
+            box->setEditText(
+                QString::fromStdString(EnergyFromListItem(box->itemText(index).toStdString())));
         });
         grid->addWidget(m_ch[row], row + 1, 1);
         grid->addWidget(m_en[row], row + 1, 2);
@@ -70,14 +72,16 @@ calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath,
 
 void calib::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    if (!m_listsFilled) fillEnergyLists();
+    if (!m_listsFilled)
+        fillEnergyLists();
 }
 
 void calib::fillEnergyLists() {
     m_listsFilled = true;
     const std::vector<std::string> items = EnergyListEntries(m_libraryPath, m_messages);
     for (QComboBox* box : m_en) {
-        for (const std::string& item : items) box->addItem(QString::fromStdString(item));
+        for (const std::string& item : items)
+            box->addItem(QString::fromStdString(item));
         box->setCurrentIndex(-1);
         box->setEditText("");
     }
@@ -86,11 +90,14 @@ void calib::fillEnergyLists() {
 bool calib::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusIn)
         for (int row = 0; row < 3; ++row)
-            if (watched == m_ch[row]) m_active = row;
+            if (watched == m_ch[row])
+                m_active = row;
     return QDialog::eventFilter(watched, event);
 }
 
-void calib::SetChannel(int32_t channel) { m_ch[m_active]->setText(QString::number(channel)); }
+void calib::SetChannel(int32_t channel) {
+    m_ch[m_active]->setText(QString::number(channel));
+}
 
 bool calib::Compute() {
     std::array<CalibrationRowText, 3> rows;
@@ -106,11 +113,14 @@ bool calib::Compute() {
 }
 
 void calib::cmdOk() {
-    if (!Compute()) return;
-    if (!AskAcceptCalibration(m_result, m_messages)) return; // No: stay in the dialog
+    if (!Compute())
+        return;
+    if (!AskAcceptCalibration(m_result, m_messages))
+        return; // No: stay in the dialog
     m_doc.calibration = m_result;
     m_doc.calibration.bCalibrated = true;
-    if (m_hooks.applyCalibration) m_hooks.applyCalibration();
+    if (m_hooks.applyCalibration)
+        m_hooks.applyCalibration();
     accept();
 }
 

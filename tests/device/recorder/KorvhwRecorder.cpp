@@ -31,8 +31,7 @@ void* Target() {
     return module;
 }
 
-template <typename F>
-F Resolve(const char* name) {
+template <typename F> F Resolve(const char* name) {
     void* m = Target();
     return m ? reinterpret_cast<F>(dlsym(m, name)) : nullptr;
 }
@@ -61,10 +60,10 @@ constexpr int32_t kNoLibrary = -13;
 
 } // namespace
 
-#define FORWARD(name, type, ...)                                                          \
-    static const auto fn = Resolve<type>(name);                                           \
-    if (fn == nullptr)                                                                    \
-        return kNoLibrary;                                                                \
+#define FORWARD(name, type, ...)                                                                   \
+    static const auto fn = Resolve<type>(name);                                                    \
+    if (fn == nullptr)                                                                             \
+        return kNoLibrary;                                                                         \
     return fn(__VA_ARGS__)
 
 KORVHW_EXPORT int32_t KORVHW_CALL FindDevicesEx(int32_t reserved, int32_t maxDevices,
@@ -85,9 +84,9 @@ KORVHW_EXPORT int32_t KORVHW_CALL GetDeviceInfo(int32_t index, char* path, int32
                                                 char* name, int32_t nameCapacity, char* serial,
                                                 int32_t serialCapacity, int32_t* type) {
     static const auto fn = Resolve<GetDeviceInfo_t>("GetDeviceInfo");
-    const int32_t rc = fn ? fn(index, path, pathCapacity, name, nameCapacity, serial,
-                               serialCapacity, type)
-                          : kNoLibrary;
+    const int32_t rc =
+        fn ? fn(index, path, pathCapacity, name, nameCapacity, serial, serialCapacity, type)
+           : kNoLibrary;
     Log("GetDeviceInfo " + std::to_string(index) + " " + std::to_string(pathCapacity) + " " +
         std::to_string(nameCapacity) + " " + std::to_string(serialCapacity) + " = " +
         std::to_string(rc));
@@ -106,12 +105,12 @@ KORVHW_EXPORT int32_t KORVHW_CALL OpenDeviceEx(const char* path, int32_t* handle
     FORWARD("OpenDeviceEx", OpenDeviceEx_t, path, handle, flags);
 }
 
-#define HANDLE_ONLY(name)                                                                 \
-    KORVHW_EXPORT int32_t KORVHW_CALL name(int32_t handle) {                              \
-        static const auto fn = Resolve<HandleOnly_t>(#name);                              \
-        const int32_t rc = fn ? fn(handle) : kNoLibrary;                                  \
-        Log(std::string(#name) + " = " + std::to_string(rc));                             \
-        return rc;                                                                        \
+#define HANDLE_ONLY(name)                                                                          \
+    KORVHW_EXPORT int32_t KORVHW_CALL name(int32_t handle) {                                       \
+        static const auto fn = Resolve<HandleOnly_t>(#name);                                       \
+        const int32_t rc = fn ? fn(handle) : kNoLibrary;                                           \
+        Log(std::string(#name) + " = " + std::to_string(rc));                                      \
+        return rc;                                                                                 \
     }
 
 HANDLE_ONLY(CloseDevice)
@@ -152,7 +151,8 @@ KORVHW_EXPORT int32_t KORVHW_CALL SetParam(int32_t handle, int32_t id, const voi
 KORVHW_EXPORT int32_t KORVHW_CALL GetAcquisitionStatus(int32_t handle, int32_t* status) {
     static const auto fn = Resolve<GetAcquisitionStatus_t>("GetAcquisitionStatus");
     const int32_t rc = fn ? fn(handle, status) : kNoLibrary;
-    Log("GetAcquisitionStatus " + std::to_string(status ? *status : 0) + " = " + std::to_string(rc));
+    Log("GetAcquisitionStatus " + std::to_string(status ? *status : 0) + " = " +
+        std::to_string(rc));
     return rc;
 }
 

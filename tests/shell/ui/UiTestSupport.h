@@ -26,7 +26,8 @@ struct UiFixture {
 
     // One simulated device on a stepped clock, loaded from the built library.
     bool setUp() {
-        if (!m_dir.isValid()) return false;
+        if (!m_dir.isValid())
+            return false;
         const std::filesystem::path sim = dir() / "KORVHW.ini";
         std::ofstream(sim) << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir="
                            << (dir() / "sim").string()
@@ -42,7 +43,8 @@ struct UiFixture {
 
     static void shoot(QWidget& w, const char* name) {
         const QByteArray out = qgetenv("VEXO_SCREENSHOT_DIR");
-        if (out.isEmpty()) return;
+        if (out.isEmpty())
+            return;
         QApplication::processEvents();
         w.grab().save(QString::fromUtf8(out) + "/" + name + ".png");
     }
@@ -59,7 +61,8 @@ struct UiFixture {
         const std::filesystem::path path = dir() / name;
         ScriptedMessages quiet;
         const bool ok = full ? SaveAllSpectrum(doc, path, quiet) : SaveSpectrum(doc, path).ok;
-        if (!ok) qFatal("cannot write the test spectrum");
+        if (!ok)
+            qFatal("cannot write the test spectrum");
         return QString::fromStdString(path.string());
     }
 
@@ -67,7 +70,8 @@ struct UiFixture {
     static void pickFirstDeviceSoon() {
         QTimer::singleShot(0, [] {
             auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
-            if (!list) return;
+            if (!list)
+                return;
             list->tmrSearch();
             list->tmrSearch(); // rows lag one tick behind the search
             list->cmdOpen();

@@ -6,12 +6,12 @@
 #include <QComboBox>
 #include <QDir>
 #include <QDoubleSpinBox>
-#include <QSpinBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSpinBox>
 #include <QTest>
 #include <QTimer>
 #include <fstream>
@@ -42,9 +42,13 @@ class DeviceWindowsTest : public QObject, public UiFixture {
             }
             ++shown;
             QVERIFY(panel->isVisible());
-            const int needed = panel->fontMetrics().horizontalAdvance(panel->text()) + 2 * panel->frameWidth();
+            const int needed =
+                panel->fontMetrics().horizontalAdvance(panel->text()) + 2 * panel->frameWidth();
             QVERIFY2(panel->contentsRect().width() + 2 * panel->frameWidth() >= needed,
-                     qPrintable(QString("%1: %2 of %3 pixels").arg(panel->text()).arg(panel->width()).arg(needed)));
+                     qPrintable(QString("%1: %2 of %3 pixels")
+                                    .arg(panel->text())
+                                    .arg(panel->width())
+                                    .arg(needed)));
         }
         QVERIFY(shown > 0);
     }
@@ -75,11 +79,13 @@ private slots:
         QVERIFY(w.acquisition()->bAcqActive());
         QVERIFY(enabled(w, "tbStop"));
         QVERIFY(!enabled(w, "tbStart"));
-        for (int i = 0; i < 6; ++i) w.acquisition()->tick();
+        for (int i = 0; i < 6; ++i)
+            w.acquisition()->tick();
         QVERIFY(w.panelText(StatusPanel::Elapsed).startsWith("Elapsed time (seconds): "));
         QVERIFY(w.panelText(StatusPanel::CountRate).endsWith(" cps"));
         long long total = 0;
-        for (int ch = 0; ch < w.document().lChannels; ++ch) total += w.document().lCounts[ch];
+        for (int ch = 0; ch < w.document().lChannels; ++ch)
+            total += w.document().lCounts[ch];
         QVERIFY(total > 0);
         const QStringList info = w.infoTexts();
         QVERIFY2(info[5].endsWith(" CPS") && info[6].endsWith(" CPS"), qPrintable(info.join("|")));
@@ -99,7 +105,8 @@ private slots:
         w.settingsWindow()->cmdApply();
         QCOMPARE(w.document().lCoarseGain, 4);
         QCOMPARE(coarse->currentIndex(), 4);
-        QCOMPARE(qobject_cast<QLabel*>(w.settingsWindow()->control("lblHVState"))->text(), QString("On"));
+        QCOMPARE(qobject_cast<QLabel*>(w.settingsWindow()->control("lblHVState"))->text(),
+                 QString("On"));
         shoot(*w.settingsWindow(), "mca_settings");
         w.settingsWindow()->close();
         QApplication::processEvents();
@@ -110,7 +117,8 @@ private slots:
         QVERIFY(w.scopeWindow());
         QVERIFY(w.action("mnuViewScope")->isChecked());
         w.scopeWindow()->optInput()->setChecked(true);
-        for (int i = 0; i < 4; ++i) w.acquisition()->tick();
+        for (int i = 0; i < 4; ++i)
+            w.acquisition()->tick();
         w.scopeWindow()->resize(640, 360);
         shoot(*w.scopeWindow(), "scope");
         QTest::mouseClick(w.scopeWindow()->findChild<QPushButton*>("cmdClose"), Qt::LeftButton);
@@ -140,7 +148,8 @@ private slots:
         w.document().lCounts.fill(0);
         QVERIFY(w.openSpectrum(saved));
         QCOMPARE(w.document().lChannels, channels);
-        for (int ch = 0; ch < channels; ++ch) QCOMPARE(w.document().lCounts[ch], counts[ch]);
+        for (int ch = 0; ch < channels; ++ch)
+            QCOMPARE(w.document().lCounts[ch], counts[ch]);
         QVERIFY2(m_messages.shown().empty(),
                  m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
     }
@@ -207,11 +216,11 @@ private slots:
     void lostDeviceDuringAcquisition() {
         const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
         const std::filesystem::path faulty = dir() / "KORVHW-drops.ini";
-        std::ofstream(faulty) << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir="
-                              << (dir() / "sim").string()
-                              << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
-                                 "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n"
-                                 "DisconnectAfter=3\n";
+        std::ofstream(faulty)
+            << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir=" << (dir() / "sim").string()
+            << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
+               "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n"
+               "DisconnectAfter=3\n";
         qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(faulty.string()));
         TopLevel w(dir(), &m_messages);
         w.show();
@@ -224,10 +233,12 @@ private slots:
         QVERIFY(w.settingsWindow() && w.scopeWindow());
         w.startAcquisition();
         QVERIFY(w.acquisition()->bAcqActive());
-        for (int i = 0; i < 20; ++i) w.acquisition()->tick(); // well past 3 simulated seconds
+        for (int i = 0; i < 20; ++i)
+            w.acquisition()->tick(); // well past 3 simulated seconds
         QApplication::processEvents();
         QCOMPARE(m_messages.shown().size(), std::size_t(1));
-        QCOMPARE(m_messages.shown()[0].text, std::string("Lost the connection to the MCA: Connection closed"));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("Lost the connection to the MCA: Connection closed"));
         QCOMPARE(w.document().hDevice, 0);
         QVERIFY(!w.acquisition()->bAcqActive());
         QVERIFY(!w.refreshTimer().isActive());
@@ -244,11 +255,13 @@ private slots:
         pickFirstDeviceSoon();
         w.dispatchToolButton("tbConnect");
         QVERIFY(w.document().hDevice != 0);
-        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Connected to KORV MCA-10 S/N 10230417"));
+        QCOMPARE(w.panelText(StatusPanel::Connection),
+                 QString("Connected to KORV MCA-10 S/N 10230417"));
         QVERIFY(enabled(w, "tbStart"));
         QVERIFY(w.refreshTimer().isActive());
         w.startAcquisition();
-        for (int i = 0; i < 10; ++i) w.acquisition()->tick();
+        for (int i = 0; i < 10; ++i)
+            w.acquisition()->tick();
         QVERIFY(w.acquisition()->bAcqActive());
         QCOMPARE(m_messages.shown().size(), std::size_t(1)); // nothing more to report
         w.close();
@@ -264,13 +277,15 @@ private slots:
         QVERIFY(QDir().mkpath(out));
         QTimer::singleShot(0, [out] {
             auto* batch = qobject_cast<frmBatch*>(QApplication::activeModalWidget());
-            if (!batch) return;
+            if (!batch)
+                return;
             qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out + "/nowhere");
             batch->cmdStart(); // a folder that does not exist is refused
             qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out);
             qobject_cast<QLineEdit*>(batch->control("txtNoOfMeas"))->setText("2");
             batch->cmdStart();
-            if (batch->isVisible()) batch->reject();
+            if (batch->isVisible())
+                batch->reject();
         });
         w.action("mnuMCABatch")->trigger();
         QCOMPARE(m_messages.shown().size(), std::size_t(1));
@@ -299,9 +314,11 @@ private slots:
         QString shownName;
         QTimer::singleShot(0, [&shownName] {
             auto* info = qobject_cast<frmDeviceInfo*>(QApplication::activeModalWidget());
-            if (!info) return;
+            if (!info)
+                return;
             for (QLabel* l : info->findChildren<QLabel*>())
-                if (l->text() == "KORV MCA-10") shownName = l->text();
+                if (l->text() == "KORV MCA-10")
+                    shownName = l->text();
             info->accept();
         });
         w.action("mnuFileDevInfo")->trigger();
@@ -322,7 +339,8 @@ private slots:
         TopLevel w(dir(), &m_messages);
         QTimer::singleShot(0, [] {
             auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
-            if (!list) return;
+            if (!list)
+                return;
             list->cmdOpen(); // no tick yet: the list is empty
             list->reject();
         });
@@ -342,7 +360,8 @@ private slots:
         }
         TopLevel w(dir(), &m_messages);
         QTRY_VERIFY_WITH_TIMEOUT(w.document().hDevice != 0, 5000);
-        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Connected to KORV MCA-10 S/N 10230417"));
+        QCOMPARE(w.panelText(StatusPanel::Connection),
+                 QString("Connected to KORV MCA-10 S/N 10230417"));
         QVERIFY(w.refreshTimer().isActive());
         w.close();
         QCOMPARE(w.document().hDevice, 0);

@@ -9,10 +9,10 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPointer>
-#include <cmath>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
+#include <cmath>
 
 #include "UiTestSupport.h"
 #include "shell/ui/SpectrumPlot.h"
@@ -77,7 +77,8 @@ private slots:
         QVERIFY(!w.openSpectrum(m_dir.path() + "/missing.spe"));
         QCOMPARE(m_messages.shown().size(), std::size_t(1));
         QCOMPARE(QString::fromStdString(m_messages.shown()[0].title), QString("Vexo"));
-        QVERIFY(QString::fromStdString(m_messages.shown()[0].text).startsWith("Error opening file: "));
+        QVERIFY(
+            QString::fromStdString(m_messages.shown()[0].text).startsWith("Error opening file: "));
         QCOMPARE(w.windowTitle(), QString("Vexo"));
     }
 
@@ -168,8 +169,9 @@ private slots:
         QVERIFY(w.openSpectrum(writeSpectrum("calib.dat", false)));
         QVERIFY(!w.existingCalibDialog());
         SpectrumPlot* plot = w.DataPlot41();
-        QTest::mouseClick(plot, Qt::LeftButton, {},
-                          QPoint(static_cast<int>(plot->xAxis->coordToPixel(100)), plot->height() / 2));
+        QTest::mouseClick(
+            plot, Qt::LeftButton, {},
+            QPoint(static_cast<int>(plot->xAxis->coordToPixel(100)), plot->height() / 2));
         const int clicked = plot->cursorChannel();
         QVERIFY(clicked >= 98 && clicked <= 102);
         // The dialog was created unshown and already holds the channel in row A.
@@ -205,14 +207,15 @@ private slots:
         m_messages.clear(); // opening may have said that the nuclide library is missing
         m_messages.queueAnswer(MsgAnswer::Yes);
         dialog->cmdOk();
-        QTRY_VERIFY(!dialog); // accepted: closed and unloaded
+        QTRY_VERIFY(!dialog);              // accepted: closed and unloaded
         QVERIFY(!w.existingCalibDialog()); // unloaded after closing
         const auto& shown = m_messages.shown();
         QCOMPARE(shown.size(), std::size_t(1));
         QCOMPARE(shown[0].title, std::string("Energy calibration results"));
-        QCOMPARE(shown[0].text, std::string("Energy calibration successfully done.\r\n"
-                                            "Offset = 0.0000 keV\r\nSlope = 2.0000 keV/chn\r\n"
-                                            "Quadratic = 0.0000 keV/chn^2\r\nAccept this calibration?"));
+        QCOMPARE(shown[0].text,
+                 std::string("Energy calibration successfully done.\r\n"
+                             "Offset = 0.0000 keV\r\nSlope = 2.0000 keV/chn\r\n"
+                             "Quadratic = 0.0000 keV/chn^2\r\nAccept this calibration?"));
         QVERIFY(w.document().calibration.bCalibrated);
         QCOMPARE(w.document().calibration.dSlope, 2.0);
         QCOMPARE(w.xUnit(), XUnit::Energy);
@@ -246,7 +249,8 @@ private slots:
         const std::string previousLibrary = w.settings().DefNucLib;
         QTimer::singleShot(0, [this] {
             auto* pref = qobject_cast<frmPref*>(QApplication::activeModalWidget());
-            if (!pref) return;
+            if (!pref)
+                return;
             pref->findChild<QTabWidget*>()->setCurrentIndex(1); // the display page and its preview
             qobject_cast<QComboBox*>(pref->control("cmbGraphType"))->setCurrentIndex(2);
             qobject_cast<QComboBox*>(pref->control("cmbScale"))->setCurrentIndex(0);
@@ -258,8 +262,10 @@ private slots:
             qobject_cast<QCheckBox*>(pref->control("chkEnableExtProcessing"))->setChecked(true);
             qobject_cast<QLineEdit*>(pref->control("txtDefNucLib"))->clear();
             auto* styles = qobject_cast<QComboBox*>(pref->control("cmbRepStyle"));
-            if (styles->count() == 3) styles->setCurrentIndex(2); // place 0 is the empty style
-            qobject_cast<QLineEdit*>(pref->control("txtArguments"))->setText(greyed ? "%F" : "not greyed");
+            if (styles->count() == 3)
+                styles->setCurrentIndex(2); // place 0 is the empty style
+            qobject_cast<QLineEdit*>(pref->control("txtArguments"))
+                ->setText(greyed ? "%F" : "not greyed");
             shoot(*pref, "preferences");
             pref->cmdOk();
         });
@@ -278,7 +284,6 @@ private slots:
         QVERIFY(text.contains("SpctGraphType=3"));
         QVERIFY(text.contains("EnableExtProcessing=-1"));
     }
-
 };
 
 QTEST_MAIN(MainWindowTest)

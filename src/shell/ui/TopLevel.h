@@ -18,6 +18,7 @@
 
 class QAction;
 class QLabel;
+class QProgressBar;
 class QLineEdit;
 class QMenu;
 class QToolBar;
@@ -132,6 +133,7 @@ private:
     void createControllers();
     void applyUpdate(const MainWindowUpdate& update);
     void showAcquisitionTexts();
+    void updateBatchProgress();
     void showRoiReadout();
     void startAutoConnect();
     void tmrConnect();
@@ -186,6 +188,7 @@ private:
     std::array<QLabel*, 3> m_cursorLabels{};
     std::array<QLabel*, 4> m_roiLabels{}; // net area, integral, net rate, integral rate
     std::array<QLabel*, kStatusPanelCount> m_panels{};
+    QProgressBar* m_batchProgress = nullptr; // beside the batch counter while a batch runs
     std::array<QAction*, kToolButtonCount> m_tools{};
     std::map<QString, QAction*> m_items;
     QMenu* m_recentMenu = nullptr;

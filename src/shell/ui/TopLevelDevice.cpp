@@ -20,6 +20,9 @@
 #include "shell/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 
+#include <QProgressBar>
+#include <algorithm>
+
 namespace vexo {
 
 void TopLevel::createControllers() {
@@ -139,6 +142,19 @@ void TopLevel::showAcquisitionTexts() {
         setPanelText(StatusPanel::Batch, QString::fromStdString(b.batch));
         setPanelText(StatusPanel::BatchCounter, QString::fromStdString(b.counter));
     }
+    updateBatchProgress();
+}
+
+// A fixed-length batch also shows a bar of the measurements done; an endless one only
+// its counter.
+void TopLevel::updateBatchProgress() {
+    const bool show = m_batch && m_batch->bBatchMode() && !m_batch->settings().bBatchUntilStop;
+    m_batchProgress->setVisible(show);
+    if (!show)
+        return;
+    const int count = std::max<int>(1, m_batch->settings().nBatchCount);
+    m_batchProgress->setRange(0, count);
+    m_batchProgress->setValue(std::clamp<int>(m_batch->nBatchIndex(), 0, count));
 }
 
 // The read-out follows the ROI under the cursor, or the first ROI when none holds it.

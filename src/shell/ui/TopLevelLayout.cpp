@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPainter>
+#include <QProgressBar>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -214,6 +215,12 @@ void TopLevel::buildStatusBar() {
         label->setVisible(false);
         m_panels[i] = label;
     }
+    m_batchProgress = new QProgressBar(this);
+    m_batchProgress->setObjectName("batchProgress");
+    m_batchProgress->setMaximumWidth(120);
+    m_batchProgress->setFormat("%v / %m");
+    m_batchProgress->setVisible(false);
+    statusBar()->addPermanentWidget(m_batchProgress);
 }
 
 void TopLevel::setPanelText(StatusPanel panel, const QString& text) {

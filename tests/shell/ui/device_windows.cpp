@@ -18,6 +18,7 @@
 
 #include "UiTestSupport.h"
 #include "device/AcquisitionController.h"
+#include "device/BatchController.h"
 #include "device/ui/Scope.h"
 #include "device/ui/Settings.h"
 #include "device/ui/frmBatch.h"
@@ -293,6 +294,10 @@ private slots:
         QVERIFY(w.acquisition()->bBatchMode());
         QCOMPARE(w.panelText(StatusPanel::Batch), QString("BATCH ON"));
         QVERIFY(!enabled(w, "tbStart")); // batch on counts as busy
+        auto* progress = w.findChild<QProgressBar*>("batchProgress");
+        QVERIFY(progress && progress->isVisibleTo(&w));
+        QCOMPARE(progress->maximum(), 2);
+        QCOMPARE(progress->value(), int(w.batch()->nBatchIndex()));
         // Stop during the batch asks first; Cancel leaves it running.
         m_messages.queueAnswer(MsgAnswer::Cancel);
         w.stopAcquisition();
@@ -302,6 +307,7 @@ private slots:
         w.stopAcquisition();
         QVERIFY(!w.acquisition()->bBatchMode());
         QVERIFY(enabled(w, "tbStart"));
+        QVERIFY(!progress->isVisibleTo(&w));
         w.close();
     }
 

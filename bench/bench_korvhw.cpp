@@ -11,7 +11,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "device/KorvhwApi.h"
+#include "KorvhwApi.h"
 
 namespace {
 

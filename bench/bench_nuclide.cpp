@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <unistd.h>
 
+#include "base/Messages.h"
+#include "base/NumberText.h"
 #include "nuclide/NuclideLibrary.h"
-#include "shell/Messages.h"
 #include "spectrum/CalibrationSolver.h"
-#include "spectrum/NumberParse.h"
 
 using namespace vexo;
 

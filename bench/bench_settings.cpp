@@ -8,8 +8,8 @@
 #include <string>
 #include <unistd.h>
 
+#include "base/Messages.h"
 #include "shell/AppSettings.h"
-#include "shell/Messages.h"
 
 namespace {
 

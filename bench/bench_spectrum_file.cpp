@@ -8,7 +8,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "shell/DateTime.h"
+#include "base/DateTime.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <map>
 #include <random>
 
-#include "shell/ui/SpectrumPlot.h"
+#include "plot/ui/SpectrumPlot.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <unistd.h>
 
-#include "shell/CPrivateINI.h"
-#include "shell/TextFile.h"
+#include "base/CPrivateINI.h"
+#include "base/TextFile.h"
 
 namespace {
 

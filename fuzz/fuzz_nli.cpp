@@ -7,8 +7,8 @@
 #include <string>
 #include <unistd.h>
 
+#include "base/Messages.h"
 #include "nuclide/NuclideLibrary.h"
-#include "shell/Messages.h"
 #include "spectrum/CalibrationSolver.h"
 
 namespace {

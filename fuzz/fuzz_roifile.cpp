@@ -9,8 +9,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "base/VexoError.h"
 #include "roi/RoiFile.h"
-#include "shell/VexoError.h"
 
 namespace {
 

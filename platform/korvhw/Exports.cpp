@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <exception>
 
+#include "KorvhwApi.h"
 #include "Simulator.h"
 #include "StatusCodes.h"
 #include "WireCodec.h"
-#include "device/KorvhwApi.h"
 
 using korvsim::Device;
 using korvsim::Simulator;

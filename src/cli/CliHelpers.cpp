@@ -5,8 +5,7 @@
 #include <cstdio>
 
 #include "CliCommand.h"
-#include "shell/NumberFormat.h"
-#include "spectrum/NumberParse.h"
+#include "base/NumberText.h"
 
 namespace vexo::cli {
 
@@ -66,7 +65,7 @@ void PrintJson(const nlohmann::ordered_json& json) {
 OpenedSpectrum OpenForCli(const std::string& path) {
     OpenedSpectrum opened;
     opened.doc = std::make_unique<SpectrumDocument>();
-    opened.result = OpenSpectrum(*opened.doc, path);
+    opened.result = OpenSpectrumWithRois(*opened.doc, opened.rois, path);
     if (!opened.result.opened)
         throw Failure{"cannot read " + path + ": " + opened.result.error};
     if (!opened.result.error.empty())

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "roi/RoiCollection.h"
 #include "spectrum/SpectrumCommands.h"
 #include "spectrum/SpectrumDocument.h"
 
@@ -46,6 +47,7 @@ void PrintJson(const nlohmann::ordered_json& json);
 // A spectrum opened as the File menu's Open does.
 struct OpenedSpectrum {
     std::unique_ptr<SpectrumDocument> doc; // large: kept on the heap
+    RoiCollection rois;
     OpenResult result;
 };
 

@@ -9,8 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/Messages.h"
 #include "device/DeviceLibrary.h"
-#include "shell/Messages.h"
+#include "roi/RoiCollection.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo::cli {
@@ -78,6 +79,7 @@ public:
 
     DeviceLibrary& library() { return *m_library; }
     SpectrumDocument& document() { return *m_doc; }
+    RoiCollection& rois() { return m_rois; }
     Messages& messages() { return m_messages; }
     const TickPacer& pacer() const { return m_pacer; }
     const DeviceOptions& options() const { return m_options; }
@@ -88,6 +90,7 @@ private:
     DeviceOptions m_options;
     std::unique_ptr<DeviceLibrary> m_library;
     std::unique_ptr<SpectrumDocument> m_doc; // the counts array is large
+    RoiCollection m_rois;
     StderrMessages m_messages;
     TickPacer m_pacer;
 };

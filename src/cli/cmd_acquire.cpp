@@ -8,8 +8,8 @@
 
 #include "CliCommand.h"
 #include "MeasureSession.h"
+#include "base/NumberText.h"
 #include "device/AcquisitionController.h"
-#include "shell/NumberFormat.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo::cli {
@@ -117,7 +117,8 @@ int Run(const std::vector<std::string>& args) {
     bool lost = false;
     AcquisitionHooks hooks;
     hooks.connectionLost = [&lost] { lost = true; };
-    AcquisitionController acq(session.library(), session.document(), session.messages(), hooks);
+    AcquisitionController acq(session.library(), session.document(), session.rois(),
+                              session.messages(), hooks);
     acq.deviceConnected();
     if (!Measure(session, acq, lost))
         throw Failure{lost ? "the device was lost during the measurement; nothing was saved"

@@ -8,9 +8,9 @@
 
 #include "CliCommand.h"
 #include "MeasureSession.h"
+#include "base/AppDir.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
-#include "shell/AppDir.h"
 #include "shell/AppSettings.h"
 
 namespace vexo::cli {
@@ -128,7 +128,8 @@ int Run(const std::vector<std::string>& args) {
     bool lost = false;
     AcquisitionHooks acqHooks;
     acqHooks.connectionLost = [&lost] { lost = true; };
-    AcquisitionController acq(session.library(), session.document(), session.messages(), acqHooks);
+    AcquisitionController acq(session.library(), session.document(), session.rois(),
+                              session.messages(), acqHooks);
     acq.deviceConnected();
     int saved = 0, failed = 0;
     BatchHooks hooks;
@@ -138,8 +139,13 @@ int Run(const std::vector<std::string>& args) {
             std::printf("%s\n", path.c_str());
         std::fflush(stdout);
     };
-    BatchController batch(acq, o.settings.bBatchProc ? appSettings.get() : nullptr, appDir,
-                          ExecutableDir().string(), hooks);
+    if (o.settings.bBatchProc) {
+        hooks.rememberBatchDir = [&](const std::string& dir) {
+            RememberBatchDir(*appSettings, dir, appDir, session.messages());
+        };
+        hooks.processSettings = [&] { return ProcessSettingsFrom(*appSettings); };
+    }
+    BatchController batch(acq, ExecutableDir().string(), hooks);
     acq.clear();
     batch.begin(o.settings);
     const int rc = RunSequence(session, acq, batch, lost);

@@ -7,10 +7,9 @@
 
 #include "CliCommand.h"
 #include "CliHelpers.h"
-#include "shell/Messages.h"
-#include "shell/NumberFormat.h"
+#include "base/Messages.h"
+#include "base/NumberText.h"
 #include "spectrum/CalibrationSolver.h"
-#include "spectrum/NumberParse.h"
 
 namespace vexo::cli {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "CliCommand.h"
 #include "CliHelpers.h"
-#include "shell/Messages.h"
+#include "base/Messages.h"
 
 namespace vexo::cli {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "CliCommand.h"
 #include "CliHelpers.h"
-#include "shell/NumberFormat.h"
+#include "base/NumberText.h"
 #include "spectrum/EnergyCalibration.h"
 
 namespace vexo::cli {

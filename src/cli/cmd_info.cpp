@@ -6,8 +6,8 @@
 
 #include "CliCommand.h"
 #include "CliHelpers.h"
-#include "shell/DateTime.h"
-#include "shell/NumberFormat.h"
+#include "base/DateTime.h"
+#include "base/NumberText.h"
 #include "spectrum/CountRate.h"
 
 namespace vexo::cli {

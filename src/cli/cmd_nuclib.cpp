@@ -8,11 +8,11 @@
 #include <set>
 
 #include "CliCommand.h"
+#include "base/NumberText.h"
+#include "base/Rounding.h"
+#include "base/TextFile.h"
 #include "nuclide/LaraFile.h"
 #include "nuclide/NuclideLibrary.h"
-#include "shell/Rounding.h"
-#include "shell/TextFile.h"
-#include "spectrum/NumberParse.h"
 
 namespace vexo::cli {
 namespace {

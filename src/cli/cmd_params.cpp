@@ -10,11 +10,11 @@
 #include <nlohmann/json.hpp>
 
 #include "CliCommand.h"
+#include "base/Messages.h"
+#include "base/NumberText.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
 #include "device/DeviceSearch.h"
-#include "shell/Messages.h"
-#include "shell/NumberFormat.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo::cli {

@@ -6,11 +6,11 @@
 
 #include "CliCommand.h"
 #include "CliHelpers.h"
+#include "base/NumberText.h"
+#include "base/VexoError.h"
 #include "roi/RoiFile.h"
 #include "roi/RoiReadout.h"
 #include "roi/clsROI.h"
-#include "shell/NumberFormat.h"
-#include "shell/VexoError.h"
 
 namespace vexo::cli {
 namespace {
@@ -134,7 +134,7 @@ void PrintText(std::size_t number, const clsROI& r, const Analysis& a) {
                 FormatSingle(a.rates.sBkgRate, "0.0").c_str());
 }
 
-std::vector<clsROI> RoisToAnalyse(Options& o, const SpectrumDocument& doc) {
+std::vector<clsROI> RoisToAnalyse(Options& o, const RoiCollection& fileRois) {
     std::vector<clsROI> rois = std::move(o.rois);
     if (!o.roiFile.empty()) {
         RoiFileContents contents = ReadRoiFile(o.roiFile);
@@ -144,7 +144,7 @@ std::vector<clsROI> RoisToAnalyse(Options& o, const SpectrumDocument& doc) {
             rois.push_back(std::move(roi));
     }
     if (rois.empty() && o.roiFile.empty())
-        rois.assign(doc.rois.begin(), doc.rois.end());
+        rois.assign(fileRois.begin(), fileRois.end());
     return rois;
 }
 
@@ -152,7 +152,7 @@ int Run(const std::vector<std::string>& args) {
     Options o = ParseOptions(args);
     const OpenedSpectrum opened = OpenForCli(o.file);
     const SpectrumDocument& doc = *opened.doc;
-    std::vector<clsROI> rois = RoisToAnalyse(o, doc);
+    std::vector<clsROI> rois = RoisToAnalyse(o, opened.rois);
     const float sTime = o.time.value_or(doc.sngLiveTime);
     nlohmann::ordered_json results = nlohmann::ordered_json::array();
     for (std::size_t i = 0; i < rois.size(); ++i) {

@@ -6,9 +6,9 @@
 
 #include "CliCommand.h"
 #include "MeasureSession.h"
+#include "base/TextFile.h"
 #include "device/AcquisitionController.h"
 #include "device/ScopeController.h"
-#include "shell/TextFile.h"
 
 namespace vexo::cli {
 namespace {
@@ -87,7 +87,8 @@ int Run(const std::vector<std::string>& args) {
             std::fprintf(stderr, "trace %zu of %d\n", traces.size(), o.traces);
         }
     };
-    AcquisitionController acq(session.library(), session.document(), session.messages(), hooks);
+    AcquisitionController acq(session.library(), session.document(), session.rois(),
+                              session.messages(), hooks);
     for (int idle = 0; static_cast<int>(traces.size()) < o.traces;) {
         const std::size_t before = traces.size();
         session.pacer().wait();

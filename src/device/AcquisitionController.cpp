@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/DateTime.h"
+#include "base/NumberText.h"
 #include "device/ConnectionController.h"
-#include "shell/DateTime.h"
-#include "shell/NumberFormat.h"
 #include "spectrum/CountRate.h"
 
 namespace vexo {
@@ -16,9 +16,9 @@ bool IsConnectionLostCode(int32_t status) {
 }
 
 AcquisitionController::AcquisitionController(DeviceLibrary& lib, SpectrumDocument& doc,
-                                             Messages& messages, AcquisitionHooks hooks,
-                                             std::function<double()> now)
-    : m_lib(lib), m_doc(doc), m_messages(messages), m_hooks(std::move(hooks)),
+                                             RoiCollection& rois, Messages& messages,
+                                             AcquisitionHooks hooks, std::function<double()> now)
+    : m_lib(lib), m_doc(doc), m_rois(rois), m_messages(messages), m_hooks(std::move(hooks)),
       m_now(now ? std::move(now) : std::function<double()>(NowSerial)),
       m_scratch(KORVHW_SPECTRUM_SLOTS) {}
 
@@ -255,9 +255,9 @@ void AcquisitionController::elapsedTexts(int32_t mcsChannel, bool haveMcsChannel
 
 void AcquisitionController::updateRois() {
     m_roiReadouts.clear();
-    if (m_doc.rois.empty())
+    if (m_rois.empty())
         return;
-    for (clsROI& roi : m_doc.rois)
+    for (clsROI& roi : m_rois)
         m_roiReadouts.push_back(UpdateCompROI(roi, m_doc.sngLiveTime, m_doc));
 }
 

@@ -18,9 +18,10 @@
 #include <string>
 #include <vector>
 
+#include "base/Messages.h"
 #include "device/DeviceLibrary.h"
+#include "roi/RoiCollection.h"
 #include "roi/RoiReadout.h"
-#include "shell/Messages.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
@@ -70,8 +71,10 @@ class AcquisitionController {
 public:
     // `now` gives the serial date-time for dtMeasured (shell/DateTime.h NowSerial when
     // empty). The library and the record must outlive the controller.
-    AcquisitionController(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
-                          AcquisitionHooks hooks = {}, std::function<double()> now = {});
+    // `rois` are the analysis records of the record's ROIs, recomputed every tick.
+    AcquisitionController(DeviceLibrary& lib, SpectrumDocument& doc, RoiCollection& rois,
+                          Messages& messages, AcquisitionHooks hooks = {},
+                          std::function<double()> now = {});
 
     void setHooks(AcquisitionHooks hooks) { m_hooks = std::move(hooks); }
     void setBatchHandlers(BatchHandlers handlers) { m_batch = std::move(handlers); }
@@ -148,6 +151,7 @@ private:
 
     DeviceLibrary& m_lib;
     SpectrumDocument& m_doc;
+    RoiCollection& m_rois;
     Messages& m_messages;
     AcquisitionHooks m_hooks;
     BatchHandlers m_batch;

@@ -1,29 +1,19 @@
 #include "device/BatchController.h"
 
-#include "shell/ExternalProcessing.h"
-#include "shell/MainWindowState.h"
+#include "device/ExternalProcessing.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo {
 
 BatchPanelTexts MakeBatchPanelTexts(bool batchOn, bool waiting, float waitRemainingSeconds,
                                     int done, bool untilStop, int count) {
-    // The main window's rules own these texts; the batch only supplies its state.
-    MainWindowFlags f;
-    f.batchOn = batchOn;
-    f.batchWaiting = waiting;
-    f.batchWaitRemaining = waitRemainingSeconds;
-    f.batchDone = done;
-    f.batchUntilStop = untilStop;
-    f.batchCount = count;
-    return {BatchPanelText(f), BatchCounterText(f)};
+    return {BatchPanelText(batchOn, waiting, waitRemainingSeconds),
+            BatchCounterText(batchOn, done, untilStop, count)};
 }
 
-BatchController::BatchController(AcquisitionController& acquisition, AppSettings* appSettings,
-                                 std::filesystem::path appDir, std::string programFolder,
+BatchController::BatchController(AcquisitionController& acquisition, std::string programFolder,
                                  BatchHooks hooks)
-    : m_acq(acquisition), m_appSettings(appSettings), m_appDir(std::move(appDir)),
-      m_programFolder(std::move(programFolder)), m_hooks(std::move(hooks)) {
+    : m_acq(acquisition), m_programFolder(std::move(programFolder)), m_hooks(std::move(hooks)) {
     m_acq.setBatchHandlers({[this] { DoBatch(); }, [this] { abortByUser(); }});
 }
 
@@ -52,12 +42,8 @@ void BatchController::resetCounters() {
 
 void BatchController::begin(const BatchSettings& settings) {
     m_settings = settings;
-    if (m_appSettings) {
-        m_appSettings->BatchDataDir = settings.szBatchDir;
-        if (!SaveSettings(*m_appSettings, true, m_appDir))
-            m_acq.messages().exclamation("Could not write the settings file " +
-                                         SettingsFilePath(m_appDir).string());
-    }
+    if (m_hooks.rememberBatchDir)
+        m_hooks.rememberBatchDir(settings.szBatchDir);
     setWaitTimer(false);
     resetCounters();
     DoBatch();
@@ -109,9 +95,9 @@ void BatchController::saveMeasurement() {
         m_acq.messages().exclamation("Error saving file: " + error);
     if (m_hooks.fileSaved)
         m_hooks.fileSaved(m_lastFile, saved);
-    if (m_settings.bBatchProc && m_appSettings)
-        RunExternalProcessing(doc, ProcessSettingsFrom(*m_appSettings), m_acq.messages(),
-                              m_programFolder, m_acq.now());
+    if (m_settings.bBatchProc && m_hooks.processSettings)
+        RunExternalProcessing(doc, m_hooks.processSettings(), m_acq.messages(), m_programFolder,
+                              m_acq.now());
 }
 
 void BatchController::startMeasurement() {

@@ -11,7 +11,7 @@
 
 #include "device/AcquisitionController.h"
 #include "device/BatchSettings.h"
-#include "shell/AppSettings.h"
+#include "device/ExternalProcessing.h"
 
 namespace vexo {
 
@@ -25,6 +25,11 @@ struct BatchHooks {
     std::function<void()> processEvents;             // let pending window events run
     // After each save attempt: the file's path and whether it was written.
     std::function<void(const std::string& path, bool saved)> fileSaved;
+    // Start of a batch: remember its folder in the settings file (batch keys only).
+    std::function<void(const std::string& batchDir)> rememberBatchDir;
+    // The processing command's settings as they are now; without this hook the batch
+    // never runs the processing command.
+    std::function<ProcessSettings()> processSettings;
 };
 
 // The batch panel and the batch counter panel.
@@ -35,17 +40,16 @@ struct BatchPanelTexts {
 
 class BatchController {
 public:
-    // `appSettings` may be null: then the batch folder is not remembered in the settings
-    // file and the processing command is never run. `programFolder` is where processing
+    // `programFolder` is where processing
     // falls back to for empty folders. Registers itself with `acquisition` for DoBatch and
     // for the Stop confirmation; both must outlive each other's use.
-    BatchController(AcquisitionController& acquisition, AppSettings* appSettings,
-                    std::filesystem::path appDir, std::string programFolder, BatchHooks hooks = {});
+    BatchController(AcquisitionController& acquisition, std::string programFolder,
+                    BatchHooks hooks = {});
 
     void setHooks(BatchHooks hooks) { m_hooks = std::move(hooks); }
 
     // frmBatch's Start with settings that passed ValidateBatchStart: keeps them, stores
-    // BatchDataDir in the settings file (batch keys only), resets the counters and takes
+    // its folder (hook rememberBatchDir), resets the counters and takes
     // the first step (DoBatch), which starts measurement 1.
     void begin(const BatchSettings& settings);
 
@@ -85,8 +89,6 @@ private:
     void startMeasurement();
 
     AcquisitionController& m_acq;
-    AppSettings* m_appSettings;
-    std::filesystem::path m_appDir;
     std::string m_programFolder;
     BatchHooks m_hooks;
     BatchSettings m_settings;

@@ -4,8 +4,9 @@
 #include <filesystem>
 #include <system_error>
 
-#include "shell/DateTime.h"
-#include "shell/ExternalProcessing.h"
+#include "base/DateTime.h"
+#include "base/NumberText.h"
+#include "device/ExternalProcessing.h"
 
 namespace vexo {
 namespace {
@@ -110,6 +111,23 @@ BatchSettings BatchSettingsFromFields(const BatchWindowFields& f, BatchSettings 
     base.bBatchWait = f.waitChecked;
     base.bBatchUntilStop = f.untilStop;
     return base;
+}
+
+std::string BatchPanelText(bool batchOn, bool waiting, float waitRemainingSeconds) {
+    if (!batchOn)
+        return "BATCH OFF";
+    if (waiting)
+        return "BATCH ON (Waiting : " + FormatSingle(waitRemainingSeconds, "0.0") + ")";
+    return "BATCH ON";
+}
+
+std::string BatchCounterText(bool batchOn, int done, bool untilStop, int count) {
+    if (!batchOn)
+        return "";
+    std::string text = "Acq. done: " + std::to_string(done);
+    if (!untilStop)
+        text += " of " + std::to_string(count);
+    return text;
 }
 
 } // namespace vexo

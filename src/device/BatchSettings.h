@@ -62,4 +62,10 @@ std::optional<BatchFieldError> ValidateBatchStart(const BatchWindowFields& f);
 // choices, tag, clear and process flags) are kept. Unparsable numbers keep base values.
 BatchSettings BatchSettingsFromFields(const BatchWindowFields& f, BatchSettings base);
 
+// Batch panel of the status bar: "BATCH ON (Waiting : 2.5)", "BATCH ON" or "BATCH OFF".
+std::string BatchPanelText(bool batchOn, bool waiting, float waitRemainingSeconds);
+// Batch counter panel: "Acq. done: 3 of 10", "Acq. done: 3" (endless), or empty when no
+// batch runs.
+std::string BatchCounterText(bool batchOn, int done, bool untilStop, int count);
+
 } // namespace vexo

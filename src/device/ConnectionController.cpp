@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "base/TextFile.h"
 #include "device/DeviceIO.h"
-#include "shell/TextFile.h"
 
 namespace vexo {
 
@@ -71,10 +71,8 @@ int32_t CloseMca(DeviceLibrary& lib, SpectrumDocument& doc) {
 }
 
 ConnectionController::ConnectionController(DeviceLibrary& lib, SpectrumDocument& doc,
-                                           AppSettings& settings, std::filesystem::path appDir,
                                            Messages& messages, ConnectionHooks hooks)
-    : m_lib(lib), m_doc(doc), m_settings(settings), m_appDir(std::move(appDir)),
-      m_messages(messages), m_hooks(std::move(hooks)) {}
+    : m_lib(lib), m_doc(doc), m_messages(messages), m_hooks(std::move(hooks)) {}
 
 bool ConnectionController::connect(const std::function<DeviceChoice()>& chooseDevice) {
     if (m_doc.hDevice != 0) {
@@ -89,12 +87,11 @@ bool ConnectionController::connect(const std::function<DeviceChoice()>& chooseDe
         return false;
     m_doc.bFromFile = false;
     Refresh(m_hooks, kRefreshConnection);
-    m_settings.DetectorPath = DetectorPathFor(choice.type, choice.path);
+    const std::string detectorPath = DetectorPathFor(choice.type, choice.path);
     // A device of another type has no prefix to remember, but it is open all the same.
-    m_doc.szDevicePath = m_settings.DetectorPath.empty() ? choice.path : m_settings.DetectorPath;
-    if (!SaveSettings(m_settings, false, m_appDir))
-        m_messages.critical("Could not write the settings file " +
-                            SettingsFilePath(m_appDir).string());
+    m_doc.szDevicePath = detectorPath.empty() ? choice.path : detectorPath;
+    if (m_hooks.rememberDetector)
+        m_hooks.rememberDetector(detectorPath);
     return true;
 }
 
@@ -117,12 +114,13 @@ bool ConnectionController::deviceInfo() {
     return true;
 }
 
-AutoConnect::AutoConnect(DeviceLibrary& lib, SpectrumDocument& doc, const AppSettings& settings,
-                         Messages& messages, ConnectionHooks hooks)
-    : m_lib(lib), m_doc(doc), m_settings(settings), m_messages(messages),
-      m_hooks(std::move(hooks)) {}
+AutoConnect::AutoConnect(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
+                         ConnectionHooks hooks)
+    : m_lib(lib), m_doc(doc), m_messages(messages), m_hooks(std::move(hooks)) {}
 
-void AutoConnect::start() {
+void AutoConnect::start(std::string detectorPath, bool applyHV) {
+    m_detectorPath = std::move(detectorPath);
+    m_applyHV = applyHV;
     m_cancelled = false;
     m_windowOpen = true;
     m_timerEnabled = true;
@@ -148,7 +146,7 @@ void AutoConnect::tick() {
         m_timerEnabled = false;
         return;
     }
-    const DetectorPathParts parts = SplitDetectorPath(m_settings.DetectorPath);
+    const DetectorPathParts parts = SplitDetectorPath(m_detectorPath);
     if (parts.path.empty()) {
         finish();
         return;
@@ -159,8 +157,8 @@ void AutoConnect::tick() {
     OpenMca(m_lib, m_doc, m_messages, m_hooks, parts.path, std::string(), false);
     if (!m_doc.bConnected)
         return; // the next tick tries again
-    m_doc.szDevicePath = m_settings.DetectorPath;
-    if (m_settings.ApplyHV)
+    m_doc.szDevicePath = m_detectorPath;
+    if (m_applyHV)
         switchHighVoltageOn();
     finish();
 }

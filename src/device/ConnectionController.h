@@ -9,10 +9,9 @@
 #include <functional>
 #include <string>
 
+#include "base/Messages.h"
 #include "device/DeviceLibrary.h"
 #include "device/DeviceSearch.h"
-#include "shell/AppSettings.h"
-#include "shell/Messages.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
@@ -32,6 +31,9 @@ struct ConnectionHooks {
     std::function<void()> refreshSettingsControls;     // MCA settings window from the record
     std::function<void(bool enabled)> setRefreshTimer; // tmrRefresh
     std::function<void()> closeDeviceWindows;          // settings and scope windows
+    // After Connect: store DetectorPath ("" for a device type without a prefix) and save
+    // the settings file (full save).
+    std::function<void(const std::string& detectorPath)> rememberDetector;
 };
 
 // Opens `path` (UTF-8, as the device list reports it; the library also takes it with
@@ -53,13 +55,13 @@ int32_t CloseMca(DeviceLibrary& lib, SpectrumDocument& doc);
 
 class ConnectionController {
 public:
-    ConnectionController(DeviceLibrary& lib, SpectrumDocument& doc, AppSettings& settings,
-                         std::filesystem::path appDir, Messages& messages, ConnectionHooks hooks);
+    ConnectionController(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
+                         ConnectionHooks hooks);
 
     // mnuFileConnect. `chooseDevice` shows the device list modally and returns its
     // choice; it is not called when a device is already open ("Already connected").
-    // On success clears bFromFile, refreshes with code 4, stores DetectorPath (prefix
-    // by type + trimmed path, or "") and saves the settings file (full save).
+    // On success clears bFromFile, refreshes with code 4 and hands DetectorPath (prefix
+    // by type + trimmed path, or "") to the rememberDetector hook.
     // Returns doc.bConnected.
     bool connect(const std::function<DeviceChoice()>& chooseDevice);
 
@@ -78,8 +80,6 @@ public:
 private:
     DeviceLibrary& m_lib;
     SpectrumDocument& m_doc;
-    AppSettings& m_settings;
-    std::filesystem::path m_appDir;
     Messages& m_messages;
     ConnectionHooks m_hooks;
 };
@@ -88,11 +88,13 @@ private:
 // start-up, retrying every tick until it succeeds or the user cancels.
 class AutoConnect {
 public:
-    AutoConnect(DeviceLibrary& lib, SpectrumDocument& doc, const AppSettings& settings,
-                Messages& messages, ConnectionHooks hooks);
+    AutoConnect(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
+                ConnectionHooks hooks);
 
     // Shows the window and enables the timer (start-up with OpenLastDetectorUsed set).
-    void start();
+    // `detectorPath` is the remembered DetectorPath with its type prefix; `applyHV`
+    // switches the high voltage on once connected (ApplyHV).
+    void start(std::string detectorPath, bool applyHV);
 
     // One tmrConnect tick. Cancelled: timer off. Empty path after the split: window
     // closed, timer off. Otherwise lblConnecting = "Connecting to " + path, pbConnect
@@ -118,7 +120,8 @@ private:
 
     DeviceLibrary& m_lib;
     SpectrumDocument& m_doc;
-    const AppSettings& m_settings;
+    std::string m_detectorPath;
+    bool m_applyHV = false;
     Messages& m_messages;
     ConnectionHooks m_hooks;
     bool m_timerEnabled = false;

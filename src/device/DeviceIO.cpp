@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "shell/Rounding.h"
-#include "shell/TextFile.h"
+#include "base/Rounding.h"
+#include "base/TextFile.h"
 
 namespace vexo {
 

@@ -3,8 +3,8 @@
 // program-wide record. Every routine works on doc.hDevice through `lib`.
 #include <cstdint>
 
+#include "base/Messages.h"
 #include "device/DeviceLibrary.h"
-#include "shell/Messages.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {

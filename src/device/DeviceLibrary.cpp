@@ -5,8 +5,8 @@
 #include <cstring>
 #include <system_error>
 
-#include "shell/AppDir.h"
-#include "shell/TextFile.h"
+#include "base/AppDir.h"
+#include "base/TextFile.h"
 
 #if defined(_WIN32)
 #include <windows.h>

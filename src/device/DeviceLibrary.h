@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "KorvhwApi.h"
 #include "device/DeviceParams.h"
-#include "device/KorvhwApi.h"
 
 namespace vexo {
 

@@ -3,7 +3,7 @@
 #include <cctype>
 #include <charconv>
 
-#include "shell/DateTime.h"
+#include "base/DateTime.h"
 
 namespace vexo {
 

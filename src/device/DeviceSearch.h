@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Messages.h"
 #include "device/DeviceLibrary.h"
-#include "shell/Messages.h"
 
 namespace vexo {
 

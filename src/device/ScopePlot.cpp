@@ -1,6 +1,6 @@
 #include "device/ScopePlot.h"
 
-#include "shell/Rounding.h"
+#include "base/Rounding.h"
 
 namespace vexo {
 namespace {

@@ -1,7 +1,7 @@
 #include "nuclide/LaraFile.h"
 
-#include "shell/TextFile.h"
-#include "spectrum/NumberParse.h"
+#include "base/NumberText.h"
+#include "base/TextFile.h"
 
 namespace vexo {
 namespace {

@@ -4,13 +4,12 @@
 #include <cmath>
 #include <fstream>
 
-#include "shell/CPrivateINI.h"
-#include "shell/IniFile.h"
-#include "shell/NumberFormat.h"
-#include "shell/Rounding.h"
-#include "shell/TextFile.h"
-#include "shell/VexoError.h"
-#include "spectrum/NumberParse.h"
+#include "base/CPrivateINI.h"
+#include "base/IniFile.h"
+#include "base/NumberText.h"
+#include "base/Rounding.h"
+#include "base/TextFile.h"
+#include "base/VexoError.h"
 
 namespace vexo {
 namespace {

@@ -3,7 +3,7 @@
 #include <array>
 #include <cctype>
 
-#include "shell/VexoError.h"
+#include "base/VexoError.h"
 
 namespace vexo {
 namespace {

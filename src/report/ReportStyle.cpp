@@ -1,8 +1,8 @@
 #include "report/ReportStyle.h"
 
-#include "shell/AppDir.h"
-#include "shell/CPrivateINI.h"
-#include "shell/VexoError.h"
+#include "base/AppDir.h"
+#include "base/CPrivateINI.h"
+#include "base/VexoError.h"
 
 #include <system_error>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/Messages.h"
+#include "base/Messages.h"
 
 namespace vexo {
 

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "roi/clsROI.h"
+#include "spectrum/SpectrumCommands.h"
+#include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
 
@@ -12,6 +14,10 @@ class RoiCollection {
 public:
     void add(clsROI roi) { m_items.push_back(std::move(roi)); }
     void clear() { m_items.clear(); }
+    // Made anew from the plot's ROI list, as reading a spectrum file does: one record per
+    // plot ROI with its first and last channel, colour and name (as identifier), and its
+    // index in the plot as plot number.
+    void rebuildFromPlot(const std::vector<PlotRoi>& plotRois);
     // Removes the ROI at 1-based `position`; throws SubscriptError when there is none.
     void remove(int position);
     // 1-based access; throws SubscriptError outside 1..count.
@@ -32,5 +38,11 @@ public:
 private:
     std::vector<clsROI> m_items;
 };
+
+// Open (File > Open, and the command-line tool) with the ROIs: OpenSpectrum, then the
+// collection made anew from the ROIs the file brought (none for a plain file or one
+// that could not be read).
+OpenResult OpenSpectrumWithRois(SpectrumDocument& doc, RoiCollection& rois,
+                                const std::filesystem::path& path);
 
 } // namespace vexo

@@ -3,11 +3,10 @@
 #include <cmath>
 #include <limits>
 
-#include "shell/CPrivateINI.h"
-#include "shell/NumberFormat.h"
-#include "shell/TextFile.h"
-#include "shell/VexoError.h"
-#include "spectrum/NumberParse.h"
+#include "base/CPrivateINI.h"
+#include "base/NumberText.h"
+#include "base/TextFile.h"
+#include "base/VexoError.h"
 
 namespace vexo {
 namespace {

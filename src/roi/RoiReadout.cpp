@@ -3,9 +3,8 @@
 #include <cmath>
 #include <string>
 
-#include "roi/NumericText.h"
-#include "shell/NumberFormat.h"
-#include "shell/VexoError.h"
+#include "base/NumberText.h"
+#include "base/VexoError.h"
 
 namespace vexo {
 namespace {

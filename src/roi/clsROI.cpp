@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "shell/Rounding.h"
-#include "shell/VexoError.h"
+#include "base/Rounding.h"
+#include "base/VexoError.h"
 
 // Numeric types in the analysis. The stored fields keep their declared widths; the
 // intermediates follow the same rule throughout:

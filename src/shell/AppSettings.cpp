@@ -1,9 +1,9 @@
 #include "shell/AppSettings.h"
 
-#include "shell/AppDir.h"
-#include "shell/CPrivateINI.h"
-#include "shell/Rounding.h"
-#include "shell/TextFile.h"
+#include "base/AppDir.h"
+#include "base/CPrivateINI.h"
+#include "base/Rounding.h"
+#include "base/TextFile.h"
 
 #include <stdexcept>
 #include <system_error>
@@ -219,6 +219,32 @@ bool OfferShippedNuclideLibrary(AppSettings& settings, const std::filesystem::pa
         return false;
     settings.DefNucLib = shipped.string();
     return true;
+}
+
+ProcessSettings ProcessSettingsFrom(const AppSettings& settings) {
+    ProcessSettings p;
+    p.bEnableExtProcessing = settings.EnableExtProcessing;
+    p.szDataDir = settings.DataDir;
+    p.szFileName = settings.FileName;
+    p.szProgram = settings.Program;
+    p.szStartupDir = settings.StartupDir;
+    p.szArguments = settings.Arguments;
+    return p;
+}
+
+void RememberBatchDir(AppSettings& settings, const std::string& batchDir,
+                      const std::filesystem::path& appDir, Messages& messages) {
+    settings.BatchDataDir = batchDir;
+    if (!SaveSettings(settings, true, appDir))
+        messages.exclamation("Could not write the settings file " +
+                             SettingsFilePath(appDir).string());
+}
+
+void RememberDetector(AppSettings& settings, const std::string& detectorPath,
+                      const std::filesystem::path& appDir, Messages& messages) {
+    settings.DetectorPath = detectorPath;
+    if (!SaveSettings(settings, false, appDir))
+        messages.critical("Could not write the settings file " + SettingsFilePath(appDir).string());
 }
 
 } // namespace vexo

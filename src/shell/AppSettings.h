@@ -10,8 +10,9 @@
 #include <filesystem>
 #include <string>
 
+#include "base/Messages.h"
+#include "device/ExternalProcessing.h"
 #include "report/ReportStyle.h"
-#include "shell/Messages.h"
 
 namespace vexo {
 
@@ -122,5 +123,18 @@ void LoadFormLocation(FormLocation& location, const std::filesystem::path& appDi
 
 // Writes section FORM: RememberLoc (-1/0), Left, Top, Width, Height, State.
 void SaveFormLocation(const FormLocation& location, const std::filesystem::path& appDir);
+
+// The PROCESS keys of the settings record.
+ProcessSettings ProcessSettingsFrom(const AppSettings& settings);
+
+// The start of a batch remembers its folder: BatchDataDir set and the batch keys saved.
+// A settings file that cannot be written is reported (exclamation) and the batch goes on.
+void RememberBatchDir(AppSettings& settings, const std::string& batchDir,
+                      const std::filesystem::path& appDir, Messages& messages);
+
+// After Connect: DetectorPath set and the whole settings file saved. A file that cannot
+// be written is reported (critical); the device stays connected.
+void RememberDetector(AppSettings& settings, const std::string& detectorPath,
+                      const std::filesystem::path& appDir, Messages& messages);
 
 } // namespace vexo

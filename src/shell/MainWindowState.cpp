@@ -1,6 +1,7 @@
 #include "shell/MainWindowState.h"
 
-#include "shell/NumberFormat.h"
+#include "base/NumberText.h"
+#include "device/BatchSettings.h"
 
 namespace vexo {
 namespace {
@@ -171,20 +172,11 @@ MainWindowUpdate RefreshMainWindow(int code, const MainWindowFlags& flags) {
 }
 
 std::string BatchPanelText(const MainWindowFlags& f) {
-    if (!f.batchOn)
-        return "BATCH OFF";
-    if (f.batchWaiting)
-        return "BATCH ON (Waiting : " + FormatSingle(f.batchWaitRemaining, "0.0") + ")";
-    return "BATCH ON";
+    return BatchPanelText(f.batchOn, f.batchWaiting, f.batchWaitRemaining);
 }
 
 std::string BatchCounterText(const MainWindowFlags& f) {
-    if (!f.batchOn)
-        return "";
-    std::string text = "Acq. done: " + std::to_string(f.batchDone);
-    if (!f.batchUntilStop)
-        text += " of " + std::to_string(f.batchCount);
-    return text;
+    return BatchCounterText(f.batchOn, f.batchDone, f.batchUntilStop, f.batchCount);
 }
 
 const std::vector<std::string>& RoiMenuItems() {

@@ -102,6 +102,10 @@ struct MainWindowUpdate {
 
 // The rules of one update code (0, 1, 2, 4, 8, 16 or 32). Any other code changes
 // nothing: the answer is empty (the menu update runs regardless).
+// After Open the main window refreshes with these update codes, in this order: the
+// spectrum loaded from a file, then options and batch.
+constexpr std::array<int, 2> kOpenRefreshCodes = {32, 16};
+
 MainWindowUpdate RefreshMainWindow(int code, const MainWindowFlags& flags);
 
 // "BATCH ON (Waiting : 2.5)", "BATCH ON" or "BATCH OFF".

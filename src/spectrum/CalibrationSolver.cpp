@@ -3,11 +3,10 @@
 #include <fstream>
 #include <optional>
 
-#include "shell/CPrivateINI.h"
-#include "shell/NumberFormat.h"
-#include "shell/Rounding.h"
-#include "shell/VexoError.h"
-#include "spectrum/NumberParse.h"
+#include "base/CPrivateINI.h"
+#include "base/NumberText.h"
+#include "base/Rounding.h"
+#include "base/VexoError.h"
 
 namespace vexo {
 namespace {

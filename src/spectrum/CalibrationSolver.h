@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/Messages.h"
+#include "base/Messages.h"
 #include "spectrum/EnergyCalibration.h"
 
 namespace vexo {

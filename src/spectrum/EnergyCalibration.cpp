@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "shell/Rounding.h"
+#include "base/Rounding.h"
 
 namespace vexo {
 

@@ -2,9 +2,9 @@
 
 #include <charconv>
 
-#include "shell/Rounding.h"
-#include "shell/VexoError.h"
-#include "spectrum/NumberParse.h"
+#include "base/NumberText.h"
+#include "base/Rounding.h"
+#include "base/VexoError.h"
 
 namespace vexo {
 namespace {

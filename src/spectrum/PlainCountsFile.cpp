@@ -1,9 +1,9 @@
 #include "spectrum/PlainCountsFile.h"
 
-#include "shell/FileBytes.h"
-#include "shell/NumberFormat.h"
-#include "shell/TextFile.h"
-#include "shell/VexoError.h"
+#include "base/FileBytes.h"
+#include "base/NumberText.h"
+#include "base/TextFile.h"
+#include "base/VexoError.h"
 #include "spectrum/FieldReader.h"
 
 namespace vexo {

@@ -12,7 +12,6 @@ std::string FileNamePart(std::string_view path) {
 
 OpenResult OpenSpectrum(SpectrumDocument& doc, const std::filesystem::path& path) {
     OpenResult result;
-    doc.rois = RoiCollection{};
     doc.plot.rois.clear();
     doc.resetCalibration();
     result.full = bReadFullSpectrum(doc, path, &result.fullError);

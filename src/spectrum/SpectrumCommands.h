@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/Messages.h"
+#include "base/Messages.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
@@ -27,10 +27,6 @@ constexpr std::string_view kSaveAllSpectrumDefaultExt = "spe";
 constexpr std::string_view kSaveAllSpectrumFilter =
     "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|Spectrum files (*.spe)|*.spe|"
     "All files (*.*)|*.*";
-
-// After Open the main window refreshes with these update codes, in this order: the
-// spectrum loaded from a file, then options and batch.
-constexpr std::array<int, 2> kOpenRefreshCodes = {32, 16};
 
 struct OpenResult {
     bool full = false;     // read as a full spectrum file

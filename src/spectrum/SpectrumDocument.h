@@ -1,13 +1,13 @@
 #pragma once
 // The one program-wide record: the current spectrum with its calibration, identity,
-// settings snapshot and ROIs, and the state of the connected device. The main window
+// settings snapshot and the plot's ROI list, and the state of the connected device. The
+// ROIs' analysis records live beside it, in the ROI collection. The main window
 // (or the command-line tool) owns exactly one and hands it by reference to every part.
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "roi/RoiCollection.h"
 #include "spectrum/EnergyCalibration.h"
 
 namespace vexo {
@@ -65,7 +65,6 @@ struct SpectrumDocument {
     int32_t lPresetLastCh = 0;
 
     EnergyCalibration calibration;
-    RoiCollection rois;
     PlotState plot;
 
     bool bFromFile = false;

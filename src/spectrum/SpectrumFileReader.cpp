@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "shell/DateTime.h"
-#include "shell/FileBytes.h"
-#include "shell/Rounding.h"
-#include "shell/TextFile.h"
-#include "shell/VexoError.h"
+#include "base/DateTime.h"
+#include "base/FileBytes.h"
+#include "base/Rounding.h"
+#include "base/TextFile.h"
+#include "base/VexoError.h"
 #include "spectrum/FieldReader.h"
 #include "spectrum/SpectrumFile.h"
 
@@ -146,21 +146,14 @@ void AddRoi(const std::vector<std::string_view>& parts, std::string_view nameTex
     roi.bFlag = parts.size() > 3 && FieldNumber(parts[3]) != 0.0;
     roi.szName = Win1252ToUtf8(CollapseBlanks(nameText));
     doc.plot.rois.push_back(roi);
-    clsROI record;
-    record.set_lROILCh(roi.lFirst);
-    record.set_lROIRCh(roi.lLast);
-    record.set_lROIColor(roi.lColor);
-    record.set_vntID(roi.szName);
-    // The plot number is 16 bits; more ROIs than that is an overflow, which also caps
-    // what a hostile file can make us hold.
-    record.set_nROIinPlot(CInt(static_cast<double>(doc.plot.rois.size()) - 1.0));
-    doc.rois.add(std::move(record));
+    // Each ROI's record carries its plot number in 16 bits; more ROIs than that is an
+    // overflow, which also caps what a hostile file can make us hold.
+    CInt(static_cast<double>(doc.plot.rois.size()) - 1.0);
 }
 
 // ROI lines up to the next line starting with "$", which is left for the main loop.
 void ReadRois(FieldReader& in, SpectrumDocument& doc) {
     doc.plot.rois.clear();
-    doc.rois = RoiCollection{};
     for (;;) {
         std::size_t mark = in.position();
         auto line = in.readLine();

@@ -1,10 +1,10 @@
 // Writer of the full spectrum file. The file is built as its Windows-1252 bytes in one
 // buffer and written in one go; only the few text lines need converting.
-#include "shell/DateTime.h"
-#include "shell/FieldLine.h"
-#include "shell/FileBytes.h"
-#include "shell/TextFile.h"
-#include "shell/VexoError.h"
+#include "base/DateTime.h"
+#include "base/FileBytes.h"
+#include "base/TextFile.h"
+#include "base/VexoError.h"
+#include "spectrum/FieldLine.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo {

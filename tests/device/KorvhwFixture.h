@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "KorvhwApi.h"
 #include "TestSupport.h"
-#include "device/KorvhwApi.h"
 
 namespace vexo::test {
 

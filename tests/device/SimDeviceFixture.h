@@ -11,6 +11,7 @@
 
 #include "TestSupport.h"
 #include "device/DeviceLibrary.h"
+#include "roi/RoiCollection.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo::test {
@@ -66,6 +67,7 @@ protected:
     TempDir m_dir;
     std::unique_ptr<DeviceLibrary> m_lib;
     std::unique_ptr<SpectrumDocument> m_doc; // large: kept off the stack
+    RoiCollection m_rois;
 };
 
 } // namespace vexo::test

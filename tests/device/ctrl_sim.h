@@ -11,9 +11,10 @@
 #include <gtest/gtest.h>
 
 #include "TestSupport.h"
+#include "base/Messages.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
-#include "shell/Messages.h"
+#include "roi/RoiCollection.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo::test {
@@ -103,6 +104,7 @@ private:
 public:
     std::unique_ptr<DeviceLibrary> lib;
     std::unique_ptr<SpectrumDocument> doc;
+    RoiCollection rois;
     ScriptedMessages messages;
 };
 

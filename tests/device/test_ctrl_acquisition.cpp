@@ -3,10 +3,10 @@
 
 #include <numeric>
 
+#include "base/NumberText.h"
 #include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
 #include "device/DeviceIO.h"
-#include "shell/NumberFormat.h"
 #include "spectrum/CountRate.h"
 
 using namespace vexo;
@@ -24,8 +24,8 @@ struct Rig {
         AcquisitionHooks hooks;
         hooks.refreshMainWindow = [this](int code) { codes.push_back(code); };
         hooks.connectionLost = [this] { ++lostCalls; };
-        acq = std::make_unique<AcquisitionController>(*sim.lib, *sim.doc, sim.messages, hooks,
-                                                      [this] { return clock; });
+        acq = std::make_unique<AcquisitionController>(*sim.lib, *sim.doc, sim.rois, sim.messages,
+                                                      hooks, [this] { return clock; });
     }
     // Ticks until the acquisition is no longer believed to run; the number of ticks.
     int runToEnd(int limit = 400) {
@@ -65,7 +65,7 @@ int64_t SumCounts(const SpectrumDocument& d, int first, int last) {
 
 TEST(AcquisitionControl, StartWithoutADeviceSaysNotConnected) {
     SimSession sim;
-    AcquisitionController acq(*sim.lib, *sim.doc, sim.messages);
+    AcquisitionController acq(*sim.lib, *sim.doc, sim.rois, sim.messages);
     EXPECT_FALSE(acq.start());
     ASSERT_EQ(sim.messages.shown().size(), 1u);
     EXPECT_EQ(sim.messages.shown()[0].title, "Vexo");

@@ -7,13 +7,13 @@
 #include <filesystem>
 #include <thread>
 
+#include "base/DateTime.h"
+#include "base/TextFile.h"
 #include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
 #include "device/DeviceIO.h"
 #include "shell/AppSettings.h"
-#include "shell/DateTime.h"
-#include "shell/TextFile.h"
 #include "spectrum/SpectrumFile.h"
 
 using namespace vexo;
@@ -36,7 +36,7 @@ struct BatchRig {
         fs::create_directories(out);
         AcquisitionHooks hooks;
         hooks.connectionLost = [this] { ++lost; };
-        acq = std::make_unique<AcquisitionController>(*sim.lib, d, sim.messages, hooks,
+        acq = std::make_unique<AcquisitionController>(*sim.lib, d, sim.rois, sim.messages, hooks,
                                                       [this] { return clock; });
         BatchHooks bh;
         bh.fileSaved = [this](const std::string& path, bool ok) {
@@ -44,8 +44,11 @@ struct BatchRig {
                 saved.push_back(path);
         };
         bh.refreshMainWindow = [this](int code) { codes.push_back(code); };
-        batch =
-            std::make_unique<BatchController>(*acq, &settings, appDir(), sim.dir().string(), bh);
+        bh.rememberBatchDir = [this](const std::string& dir) {
+            RememberBatchDir(settings, dir, appDir(), sim.messages);
+        };
+        bh.processSettings = [this] { return ProcessSettingsFrom(settings); };
+        batch = std::make_unique<BatchController>(*acq, sim.dir().string(), bh);
         acq->clear();
     }
     fs::path appDir() const { return sim.dir(); }

@@ -4,9 +4,9 @@
 #include <filesystem>
 
 #include "TestSupport.h"
+#include "base/DateTime.h"
 #include "device/BatchController.h"
 #include "device/BatchSettings.h"
-#include "shell/DateTime.h"
 
 using namespace vexo;
 

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <sys/wait.h>
 
+#include "base/TextFile.h"
 #include "ctrl_sim.h"
-#include "shell/TextFile.h"
 #include "spectrum/SpectrumFile.h"
 
 using namespace vexo;

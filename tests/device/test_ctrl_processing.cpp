@@ -7,9 +7,9 @@
 #include <thread>
 
 #include "TestSupport.h"
-#include "shell/DateTime.h"
-#include "shell/ExternalProcessing.h"
-#include "shell/ProgramLauncher.h"
+#include "base/DateTime.h"
+#include "base/ProgramLauncher.h"
+#include "device/ExternalProcessing.h"
 #include "spectrum/SpectrumFile.h"
 
 using namespace vexo;

@@ -17,7 +17,7 @@ struct ScopeRig {
     explicit ScopeRig(const std::string& serial = "10230417") : sim(Spec(serial)) {
         if (!sim.open())
             throw std::runtime_error("the simulated device did not open");
-        acq = std::make_unique<AcquisitionController>(*sim.lib, *sim.doc, sim.messages);
+        acq = std::make_unique<AcquisitionController>(*sim.lib, *sim.doc, sim.rois, sim.messages);
         scope = std::make_unique<ScopeController>(*sim.lib, *sim.doc);
         AcquisitionHooks hooks;
         hooks.scopeCycle = [this] { newTraces += scope->DisplayWaveform() ? 1 : 0; };

@@ -1,9 +1,9 @@
 // Scope trace coordinates and grid.
 #include <gtest/gtest.h>
 
+#include "base/VexoError.h"
 #include "device/ScopeController.h"
 #include "device/ScopePlot.h"
-#include "shell/VexoError.h"
 
 using namespace vexo;
 

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "SimDeviceFixture.h"
+#include "base/Messages.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceSearch.h"
 #include "shell/AppSettings.h"
-#include "shell/Messages.h"
 
 namespace vexo {
 namespace {
@@ -48,6 +48,15 @@ protected:
     ScriptedMessages m_messages;
     HookLog m_log;
     AppSettings m_settings;
+
+    // The main window's hooks: Connect remembers the detector in the settings file.
+    ConnectionHooks connectionHooks() {
+        ConnectionHooks h = m_log.hooks();
+        h.rememberDetector = [this](const std::string& path) {
+            RememberDetector(m_settings, path, m_dir.path(), m_messages);
+        };
+        return h;
+    }
 };
 
 TEST_F(ConnectionTest, SearchListsDevicesOneTickBehind) {
@@ -108,7 +117,7 @@ TEST_F(ConnectionTest, OpenOnAnEmptyListIsRefused) {
 TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
     DeviceLibrary& lib = Load(ThreeDevices());
     m_doc->bFromFile = true;
-    ConnectionController ctl(lib, *m_doc, m_settings, m_dir.path(), m_messages, m_log.hooks());
+    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
     int chooserCalls = 0;
     auto chooser = [&] {
         ++chooserCalls;
@@ -162,7 +171,7 @@ TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
 
 TEST_F(ConnectionTest, CancelledListOpensNothing) {
     DeviceLibrary& lib = Load(ThreeDevices());
-    ConnectionController ctl(lib, *m_doc, m_settings, m_dir.path(), m_messages, m_log.hooks());
+    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
     EXPECT_FALSE(ctl.connect([] { return DeviceChoice{}; }));
     EXPECT_EQ(m_doc->hDevice, 0);
     EXPECT_TRUE(m_log.refreshCodes.empty());
@@ -189,7 +198,7 @@ TEST_F(ConnectionTest, FailedOpenIsReportedByConnectOnly) {
 
 TEST_F(ConnectionTest, ConnectShowsTheOpenError) {
     DeviceLibrary& lib = Load(Model10() + "OpenFailures=1\n");
-    ConnectionController ctl(lib, *m_doc, m_settings, m_dir.path(), m_messages, m_log.hooks());
+    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
     m_settings.DetectorPath = "ETH:old";
     auto chooser = [] { return DeviceChoice{kDevicesOpen, "KORV-10-001", "KORV MCA-10", 2}; };
     EXPECT_FALSE(ctl.connect(chooser));
@@ -202,7 +211,7 @@ TEST_F(ConnectionTest, ConnectShowsTheOpenError) {
 
 TEST_F(ConnectionTest, UnknownTypeRemembersAnEmptyPath) {
     DeviceLibrary& lib = Load(Model10());
-    ConnectionController ctl(lib, *m_doc, m_settings, m_dir.path(), m_messages, m_log.hooks());
+    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
     m_settings.DetectorPath = "USB:before";
     EXPECT_TRUE(ctl.connect([] { return DeviceChoice{kDevicesOpen, "KORV-10-001", "", 7}; }));
     EXPECT_EQ(m_settings.DetectorPath, "");
@@ -212,8 +221,8 @@ TEST_F(ConnectionTest, UnknownTypeRemembersAnEmptyPath) {
 TEST_F(ConnectionTest, AutoConnectRetriesUntilTheDeviceOpens) {
     DeviceLibrary& lib = Load(Model10() + "OpenFailures=3\n");
     m_settings.DetectorPath = "USB:KORV-10-001";
-    AutoConnect autoConnect(lib, *m_doc, m_settings, m_messages, m_log.hooks());
-    autoConnect.start();
+    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     EXPECT_TRUE(autoConnect.windowOpen());
     for (int attempt = 1; attempt <= 3; ++attempt) {
         autoConnect.tick();
@@ -237,8 +246,8 @@ TEST_F(ConnectionTest, AutoConnectRetriesUntilTheDeviceOpens) {
 TEST_F(ConnectionTest, AutoConnectProgressCyclesThroughTenSteps) {
     DeviceLibrary& lib = Load(Model10() + "OpenFailures=1000\n");
     m_settings.DetectorPath = "USB:KORV-10-001";
-    AutoConnect autoConnect(lib, *m_doc, m_settings, m_messages, m_log.hooks());
-    autoConnect.start();
+    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     for (int i = 0; i < 9; ++i)
         autoConnect.tick();
     EXPECT_EQ(autoConnect.progress(), 9);
@@ -252,8 +261,8 @@ TEST_F(ConnectionTest, AutoConnectProgressCyclesThroughTenSteps) {
 TEST_F(ConnectionTest, CancelStopsTheRetriesAtTheNextTick) {
     DeviceLibrary& lib = Load(Model10() + "OpenFailures=1000\n");
     m_settings.DetectorPath = "USB:KORV-10-001";
-    AutoConnect autoConnect(lib, *m_doc, m_settings, m_messages, m_log.hooks());
-    autoConnect.start();
+    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     autoConnect.tick();
     autoConnect.tick();
     autoConnect.cancel();
@@ -269,8 +278,8 @@ TEST_F(ConnectionTest, UnusableDetectorPathClosesTheWindowAtOnce) {
     DeviceLibrary& lib = Load(Model10());
     for (const char* remembered : {"USB:", "usb:KORV-10-001", "", "KORV-10-001"}) {
         m_settings.DetectorPath = remembered;
-        AutoConnect autoConnect(lib, *m_doc, m_settings, m_messages, m_log.hooks());
-        autoConnect.start();
+        AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+        autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
         autoConnect.tick();
         EXPECT_FALSE(autoConnect.windowOpen()) << remembered;
         EXPECT_FALSE(autoConnect.timerEnabled()) << remembered;
@@ -283,8 +292,8 @@ TEST_F(ConnectionTest, AutoConnectSwitchesHighVoltageOnWhenAsked) {
     DeviceLibrary& lib = Load(Model10());
     m_settings.DetectorPath = "USB:KORV-10-001";
     m_settings.ApplyHV = true;
-    AutoConnect autoConnect(lib, *m_doc, m_settings, m_messages, m_log.hooks());
-    autoConnect.start();
+    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     autoConnect.tick();
     ASSERT_TRUE(m_doc->bConnected);
     EXPECT_EQ(m_doc->lHVOn, 1);
@@ -299,8 +308,8 @@ TEST_F(ConnectionTest, HighVoltageFailureIsShownAndTheDeviceStaysConnected) {
     DeviceLibrary& lib = Load(Model10() + "FailParam=22:-16\n");
     m_settings.DetectorPath = "USB:KORV-10-001";
     m_settings.ApplyHV = true;
-    AutoConnect autoConnect(lib, *m_doc, m_settings, m_messages, m_log.hooks());
-    autoConnect.start();
+    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     autoConnect.tick();
     EXPECT_TRUE(m_doc->bConnected);
     ASSERT_EQ(m_messages.shown().size(), 1u);
@@ -313,7 +322,7 @@ TEST_F(ConnectionTest, HighVoltageFailureIsShownAndTheDeviceStaysConnected) {
 
 TEST_F(ConnectionTest, ExitClosesTheDevice) {
     DeviceLibrary& lib = Load(Model10());
-    ConnectionController ctl(lib, *m_doc, m_settings, m_dir.path(), m_messages, m_log.hooks());
+    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
     ASSERT_TRUE(ctl.connect([] { return DeviceChoice{kDevicesOpen, "USB:KORV-10-001", "", 2}; }));
     const int32_t handle = m_doc->hDevice;
     ctl.exit();

@@ -3,10 +3,10 @@
 // the remembered detector path.
 #include <gtest/gtest.h>
 
+#include "base/DateTime.h"
 #include "device/DeviceIO.h"
 #include "device/DeviceParams.h"
 #include "device/DeviceSearch.h"
-#include "shell/DateTime.h"
 
 namespace vexo {
 namespace {

@@ -6,9 +6,9 @@
 #include <array>
 
 #include "SimDeviceFixture.h"
+#include "base/Messages.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceIO.h"
-#include "shell/Messages.h"
 
 namespace vexo {
 namespace {

@@ -17,6 +17,8 @@
 #include <sys/wait.h>
 
 #include "TestSupport.h"
+#include "base/DateTime.h"
+#include "base/NumberText.h"
 #include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
@@ -24,10 +26,8 @@
 #include "device/ConnectionController.h"
 #include "device/DeviceIO.h"
 #include "device/DeviceSearch.h"
+#include "device/ExternalProcessing.h"
 #include "device/ScopeController.h"
-#include "shell/DateTime.h"
-#include "shell/ExternalProcessing.h"
-#include "shell/NumberFormat.h"
 
 using namespace vexo;
 using vexo::test::BinDir;
@@ -268,7 +268,8 @@ TEST_F(Recorded, WriteAllOfAnOldModelSendsTheLegacyWord) {
 TEST_F(Recorded, RefreshTickPollsThenReads) {
     Load(Model10());
     Open("KORV-10-001");
-    AcquisitionController acq(*m_lib, *m_doc, m_messages);
+    RoiCollection rois;
+    AcquisitionController acq(*m_lib, *m_doc, rois, m_messages);
     acq.deviceConnected();
     // Stopped: the status poll, then one more status read.
     Forget();
@@ -296,7 +297,8 @@ TEST_F(Recorded, RefreshTickPollsThenReads) {
 TEST_F(Recorded, ClearStopsClearsShowsAndRestartsARunningAcquisition) {
     Load(Model10());
     Open("KORV-10-001");
-    AcquisitionController acq(*m_lib, *m_doc, m_messages);
+    RoiCollection rois;
+    AcquisitionController acq(*m_lib, *m_doc, rois, m_messages);
     acq.deviceConnected();
     ASSERT_TRUE(acq.start());
     acq.tick();
@@ -359,11 +361,8 @@ TEST_F(Recorded, SearchRestartsOnceReadsOneTickBehindAndStopsOnClose) {
 
 TEST_F(Recorded, StartUpConnectionOpensThePathWithoutItsPrefixAndSwitchesHvOn) {
     Load(Model10("HVOnAtPowerUp=0\n"));
-    AppSettings settings;
-    settings.DetectorPath = "USB:KORV-10-001";
-    settings.ApplyHV = true;
-    AutoConnect auto_(*m_lib, *m_doc, settings, m_messages, ConnectionHooks{});
-    auto_.start();
+    AutoConnect auto_(*m_lib, *m_doc, m_messages, ConnectionHooks{});
+    auto_.start("USB:KORV-10-001", true);
     auto_.tick();
     ASSERT_TRUE(m_doc->bConnected);
     EXPECT_EQ(auto_.label(), "Connecting to KORV-10-001");
@@ -389,7 +388,7 @@ TEST(VerifyTexts, ErrorTextsOutsideTheTableAreEmpty) {
 TEST(VerifyTexts, PresetTextIsClearedForAModeWithoutTimeOrCountsBits) {
     vexo::test::SimSession sim;
     ASSERT_TRUE(sim.open());
-    AcquisitionController acq(*sim.lib, *sim.doc, sim.messages);
+    AcquisitionController acq(*sim.lib, *sim.doc, sim.rois, sim.messages);
     sim.doc->sngPresetTime = 5.0f;
     sim.doc->lPresetCounts = 1000;
     sim.doc->lPresetMode = 2;
@@ -414,9 +413,9 @@ TEST(VerifyTexts, StatusBarDuringABatchMeasurement) {
     d.lPresetMode = 3;
     d.sngPresetTime = 2.0f;
     WriteAllParams(*sim.lib, d);
-    AcquisitionController acq(*sim.lib, d, sim.messages);
+    AcquisitionController acq(*sim.lib, d, sim.rois, sim.messages);
     TempDir out;
-    BatchController batch(acq, nullptr, out.path(), out.path().string());
+    BatchController batch(acq, out.path().string());
     BatchSettings s;
     s.szBatchDir = out.path().string();
     s.nBatchCount = 1;
@@ -447,9 +446,9 @@ TEST(VerifyTexts, StatusBarDuringABatchMeasurement) {
 TEST(VerifyTexts, StopDuringABatchAsksFirst) {
     vexo::test::SimSession sim;
     ASSERT_TRUE(sim.open());
-    AcquisitionController acq(*sim.lib, *sim.doc, sim.messages);
+    AcquisitionController acq(*sim.lib, *sim.doc, sim.rois, sim.messages);
     TempDir out;
-    BatchController batch(acq, nullptr, out.path(), out.path().string());
+    BatchController batch(acq, out.path().string());
     BatchSettings s;
     s.szBatchDir = out.path().string();
     s.nBatchCount = 5;
@@ -475,9 +474,9 @@ TEST(VerifyTexts, StopDuringABatchAsksFirst) {
 
 TEST(VerifyTexts, BatchWithoutADeviceSaysSo) {
     vexo::test::SimSession sim;
-    AcquisitionController acq(*sim.lib, *sim.doc, sim.messages);
+    AcquisitionController acq(*sim.lib, *sim.doc, sim.rois, sim.messages);
     TempDir out;
-    BatchController batch(acq, nullptr, out.path(), out.path().string());
+    BatchController batch(acq, out.path().string());
     BatchSettings s;
     s.szBatchDir = out.path().string();
     batch.begin(s);

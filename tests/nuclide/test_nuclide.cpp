@@ -1,8 +1,8 @@
 // Emission-line records: the radiation table, half-life units and their conversions.
 #include <gtest/gtest.h>
 
+#include "base/VexoError.h"
 #include "nuclide/clsNuclide.h"
-#include "shell/VexoError.h"
 
 using namespace vexo;
 

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "TestSupport.h"
+#include "base/CPrivateINI.h"
+#include "base/NumberText.h"
 #include "nuclide/NuclideLibrary.h"
-#include "shell/CPrivateINI.h"
-#include "spectrum/NumberParse.h"
 
 using namespace vexo;
 using vexo::test::ReadBytes;

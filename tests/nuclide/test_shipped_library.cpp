@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/Messages.h"
 #include "nuclide/NuclideLibrary.h"
-#include "shell/Messages.h"
 #include "spectrum/CalibrationSolver.h"
 
 using namespace vexo;

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "TestSupport.h"
+#include "base/VexoError.h"
 #include "report/ReportStyle.h"
-#include "shell/VexoError.h"
 
 using namespace vexo;
 using vexo::test::TempDir;

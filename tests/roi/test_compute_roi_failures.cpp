@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "RoiTestSpectra.h"
+#include "base/VexoError.h"
 #include "roi/clsROI.h"
-#include "shell/VexoError.h"
 
 using namespace vexo;
 using namespace vexo::test;

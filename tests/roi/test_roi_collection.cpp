@@ -1,8 +1,10 @@
 // The main window's ordered ROI collection: 1-based access and lookup by channel and id.
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+#include "base/VexoError.h"
 #include "roi/RoiCollection.h"
-#include "shell/VexoError.h"
+#include "spectrum/SpectrumFile.h"
 
 using namespace vexo;
 
@@ -76,4 +78,29 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(RoiCollection, EmptyCollectionFindsNothing) {
     RoiCollection c;
     EXPECT_EQ(c.nFindROIinCol(0, ""), -1);
+}
+
+TEST(RoiCollection, OpenMakesOneRecordPerPlotRoiAndForgetsTheOldOnes) {
+    test::TempDir dir;
+    const std::filesystem::path file = dir.path() / "two.spe";
+    {
+        auto doc = std::make_unique<SpectrumDocument>();
+        doc->plot.rois = {{100, 140, 65280, true, "Cs-137"}, {400, 460, 255, false, ""}};
+        ASSERT_TRUE(bSaveFullSpectrum(*doc, file));
+    }
+    auto doc = std::make_unique<SpectrumDocument>();
+    RoiCollection rois = ThreeRois();
+    ASSERT_TRUE(OpenSpectrumWithRois(*doc, rois, file).full);
+    ASSERT_EQ(rois.nGetROINo(), 2);
+    EXPECT_EQ(rois.item(1).vntID(), "Cs-137");
+    EXPECT_EQ(rois.item(1).lROILCh(), 100);
+    EXPECT_EQ(rois.item(1).lROIColor(), 65280);
+    EXPECT_EQ(rois.item(2).lROIRCh(), 460);
+    for (int i = 1; i <= 2; ++i)
+        EXPECT_EQ(rois.item(i).nROIinPlot(), i - 1);
+
+    // A file without ROIs leaves an empty collection, not the previous file's.
+    ASSERT_TRUE(
+        OpenSpectrumWithRois(*doc, rois, VEXO_TEST_DATA_DIR "/spectrum/plain_counts.dat").opened);
+    EXPECT_TRUE(rois.empty());
 }

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "RoiTestSpectra.h"
-#include "roi/NumericText.h"
+#include "base/NumberText.h"
+#include "base/VexoError.h"
 #include "roi/clsROI.h"
-#include "shell/VexoError.h"
 
 using namespace vexo;
 using namespace vexo::test;

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "TestSupport.h"
+#include "base/CPrivateINI.h"
 #include "shell/AppSettings.h"
-#include "shell/CPrivateINI.h"
 
 using namespace vexo;
 using vexo::test::ReadBytes;

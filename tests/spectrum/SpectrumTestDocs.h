@@ -2,7 +2,7 @@
 // Documents used by the spectrum file tests.
 #include <memory>
 
-#include "shell/DateTime.h"
+#include "base/DateTime.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo::test {

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "TestSupport.h"
-#include "shell/VexoError.h"
+#include "base/VexoError.h"
 #include "spectrum/CalibrationSolver.h"
 
 using namespace vexo;

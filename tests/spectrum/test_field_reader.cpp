@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shell/VexoError.h"
+#include "base/VexoError.h"
 #include "spectrum/FieldReader.h"
 
 namespace vexo {

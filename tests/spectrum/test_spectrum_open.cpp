@@ -26,11 +26,11 @@ TEST(OpenSpectrum, FileWithoutRoisAfterOneWithRoisLeavesNoRois) {
 
     auto doc = std::make_unique<SpectrumDocument>();
     ASSERT_TRUE(OpenSpectrum(*doc, dir / "rois.spe").full);
-    ASSERT_EQ(doc->rois.nGetROINo(), 2);
+    ASSERT_EQ(static_cast<int>(doc->plot.rois.size()), 2);
     ASSERT_TRUE(doc->calibration.bCalibrated);
     OpenResult second = OpenSpectrum(*doc, dir / "plain.spe");
     EXPECT_TRUE(second.full);
-    EXPECT_EQ(doc->rois.nGetROINo(), 0);
+    EXPECT_EQ(static_cast<int>(doc->plot.rois.size()), 0);
     EXPECT_TRUE(doc->plot.rois.empty());
     EXPECT_EQ(doc->calibration, EnergyCalibration::Default());
     EXPECT_FALSE(doc->plot.bUseCalibration);
@@ -144,8 +144,8 @@ TEST(OpenSpectrum, SmallFullFileOfOurOwn) {
     EXPECT_EQ(doc->calibration.dSlope, 10.0);
     EXPECT_EQ(doc->lChannels, 16);
     EXPECT_EQ(doc->lCounts[5], 910);
-    ASSERT_EQ(doc->rois.nGetROINo(), 1);
-    EXPECT_EQ(doc->rois.item(1).vntID(), "Peak A");
+    ASSERT_EQ(static_cast<int>(doc->plot.rois.size()), 1);
+    EXPECT_EQ(doc->plot.rois[0].szName, "Peak A");
     EXPECT_FLOAT_EQ(CountRate(*doc), 21.58f);
 }
 

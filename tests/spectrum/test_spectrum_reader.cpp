@@ -2,6 +2,7 @@
 
 #include "SpectrumTestDocs.h"
 #include "TestSupport.h"
+#include "roi/RoiCollection.h"
 #include "spectrum/SpectrumCommands.h"
 #include "spectrum/SpectrumFile.h"
 
@@ -61,13 +62,11 @@ TEST(SpectrumReader, RoundTripOfA1024ChannelSpectrum) {
     EXPECT_FALSE(doc->plot.rois[1].bFlag);
     EXPECT_TRUE(doc->plot.rois[0].bFlag);
     EXPECT_EQ(doc->plot.rois[1].szName, "Co 60 line");
-    ASSERT_EQ(doc->rois.nGetROINo(), 2);
-    EXPECT_EQ(doc->rois.item(1).vntID(), "Cs-137");
-    EXPECT_EQ(doc->rois.item(1).lROILCh(), 100);
-    EXPECT_EQ(doc->rois.item(1).lROIColor(), 65280);
-    EXPECT_EQ(doc->rois.item(1).nROIinPlot(), 0);
-    EXPECT_EQ(doc->rois.item(2).nROIinPlot(), 1);
-    EXPECT_EQ(doc->rois.item(2).lROIRCh(), 460);
+    ASSERT_EQ(static_cast<int>(doc->plot.rois.size()), 2);
+    EXPECT_EQ(doc->plot.rois[0].szName, "Cs-137");
+    EXPECT_EQ(doc->plot.rois[0].lFirst, 100);
+    EXPECT_EQ(doc->plot.rois[0].lColor, 65280);
+    EXPECT_EQ(doc->plot.rois[1].lLast, 460);
 }
 
 TEST(SpectrumReader, McsSpectrumComesBackAsPha) {
@@ -157,9 +156,9 @@ TEST(SpectrumReader, RoiLineWithTwoNumbersTakesTheDefaults) {
     EXPECT_EQ(doc->plot.rois[0].lColor, 255);
     EXPECT_FALSE(doc->plot.rois[0].bFlag);
     EXPECT_EQ(doc->plot.rois[0].szName, "");
-    ASSERT_EQ(doc->rois.nGetROINo(), 1);
-    EXPECT_EQ(doc->rois.item(1).lROIColor(), 255);
-    EXPECT_EQ(doc->rois.item(1).vntID(), "");
+    ASSERT_EQ(static_cast<int>(doc->plot.rois.size()), 1);
+    EXPECT_EQ(doc->plot.rois[0].lColor, 255);
+    EXPECT_EQ(doc->plot.rois[0].szName, "");
 }
 
 TEST(SpectrumReader, RoiSectionEndsAtTheNextTagWhichIsStillRead) {
@@ -169,7 +168,7 @@ TEST(SpectrumReader, RoiSectionEndsAtTheNextTagWhichIsStillRead) {
     ASSERT_EQ(doc->plot.rois.size(), 1u); // "2" and the empty line have fewer than two parts
     EXPECT_TRUE(doc->plot.rois[0].bFlag);
     EXPECT_EQ(doc->plot.rois[0].szName, "Ba 133 peak");
-    EXPECT_EQ(doc->rois.item(1).vntID(), "Ba 133 peak");
+    EXPECT_EQ(doc->plot.rois[0].szName, "Ba 133 peak");
     EXPECT_EQ(doc->lChannels, 2);
     EXPECT_EQ(doc->lCounts[1], 4);
 }
@@ -178,8 +177,7 @@ TEST(SpectrumReader, SecondRoiSectionReplacesTheFirst) {
     auto doc = Parse("$SPEC_ID:\r\nx\r\n$ROI:\r\n1 2\r\n3 4\r\n$ROI:\r\n5 6\r\n");
     ASSERT_EQ(doc->plot.rois.size(), 1u);
     EXPECT_EQ(doc->plot.rois[0].lFirst, 5);
-    EXPECT_EQ(doc->rois.nGetROINo(), 1);
-    EXPECT_EQ(doc->rois.item(1).nROIinPlot(), 0);
+    EXPECT_EQ(static_cast<int>(doc->plot.rois.size()), 1);
 }
 
 TEST(SpectrumReader, SectionsLeaveOtherFieldsAlone) {
@@ -285,7 +283,9 @@ TEST(SpectrumReader, TooManyRoisIsAnOverflowNotUnboundedMemory) {
     auto doc = Parse(text, false);
     // The 32769th ROI would get plot number 32768, which does not fit 16 bits.
     EXPECT_EQ(doc->plot.rois.size(), 32769u);
-    EXPECT_EQ(std::distance(doc->rois.begin(), doc->rois.end()), 32768);
+    RoiCollection rois;
+    rois.rebuildFromPlot(doc->plot.rois);
+    EXPECT_EQ(std::distance(rois.begin(), rois.end()), 32768); // plot numbers 0..32767
 }
 
 } // namespace

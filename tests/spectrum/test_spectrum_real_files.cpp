@@ -5,7 +5,7 @@
 #include <numeric>
 
 #include "TestSupport.h"
-#include "shell/DateTime.h"
+#include "base/DateTime.h"
 #include "spectrum/SpectrumCommands.h"
 
 namespace vexo {
@@ -67,7 +67,7 @@ TEST_P(RealSpectrumFile, Opens) {
         std::accumulate(doc->lCounts.begin(), doc->lCounts.begin() + doc->lChannels, int64_t{0}),
         f.sum);
     EXPECT_EQ(doc->lCounts[f.index], f.count);
-    EXPECT_EQ(doc->rois.nGetROINo(), f.rois);
+    EXPECT_EQ(static_cast<int>(doc->plot.rois.size()), f.rois);
     EXPECT_EQ(doc->szFileName, f.name);
     // None carries "$SPEC_CAL:"; "$MCA_CAL:" with its "keV" is skipped.
     EXPECT_FALSE(doc->calibration.bCalibrated);
@@ -99,7 +99,6 @@ TEST(RealSpectrumFile, SectionedFileRoisAndIdentity) {
     EXPECT_EQ(doc->plot.rois[3].lFirst, 14225);
     EXPECT_EQ(doc->plot.rois[3].lLast, 14398);
     EXPECT_EQ(doc->plot.rois[3].lColor, 255);
-    EXPECT_EQ(doc->rois.item(4).nROIinPlot(), 3);
     EXPECT_EQ(doc->lPresetMode, 3);
     EXPECT_EQ(doc->lCounts[100], 474);
 }

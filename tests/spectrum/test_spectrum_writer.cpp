@@ -4,8 +4,8 @@
 
 #include "SpectrumTestDocs.h"
 #include "TestSupport.h"
-#include "shell/Messages.h"
-#include "shell/TextFile.h"
+#include "base/Messages.h"
+#include "base/TextFile.h"
 #include "spectrum/PlainCountsFile.h"
 #include "spectrum/SpectrumCommands.h"
 #include "spectrum/SpectrumFile.h"

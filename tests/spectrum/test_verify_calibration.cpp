@@ -6,9 +6,9 @@
 #include <cmath>
 #include <string>
 
-#include "shell/Messages.h"
-#include "shell/NumberFormat.h"
-#include "shell/VexoError.h"
+#include "base/Messages.h"
+#include "base/NumberText.h"
+#include "base/VexoError.h"
 #include "spectrum/CalibrationSolver.h"
 #include "spectrum/EnergyCalibration.h"
 

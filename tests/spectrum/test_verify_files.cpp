@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "shell/DateTime.h"
-#include "shell/Messages.h"
+#include "base/DateTime.h"
+#include "base/Messages.h"
 #include "spectrum/PlainCountsFile.h"
 #include "spectrum/SpectrumCommands.h"
 #include "spectrum/SpectrumFile.h"
@@ -217,10 +217,9 @@ TEST(VerifySpectrumReader, RoundTripOfTheTenChannelFile) {
     EXPECT_EQ(doc->plot.rois[1].lColor, 65280);
     EXPECT_EQ(doc->plot.rois[1].szName, "");
     EXPECT_FALSE(doc->plot.rois[1].bFlag);
-    ASSERT_EQ(doc->rois.nGetROINo(), 3);
-    EXPECT_EQ(doc->rois.item(3).nROIinPlot(), 2);
-    EXPECT_EQ(doc->rois.item(3).lROIColor(), 16711680);
-    EXPECT_EQ(doc->rois.item(1).vntID(), "Cs 137 peak");
+    ASSERT_EQ(static_cast<int>(doc->plot.rois.size()), 3);
+    EXPECT_EQ(doc->plot.rois[2].lColor, 16711680);
+    EXPECT_EQ(doc->plot.rois[0].szName, "Cs 137 peak");
     EXPECT_EQ(doc->lChannels, 10);
     EXPECT_EQ(doc->lCounts[4], 2147483647);
     EXPECT_EQ(doc->lCounts[5], -2147483647 - 1);
@@ -345,9 +344,8 @@ TEST(VerifySpectrumReader, RoiLinesUpToTheNextTag) {
     EXPECT_EQ(doc->plot.rois[2].lFirst, 51); // rounded
     EXPECT_EQ(doc->plot.rois[2].lLast, 60);
     EXPECT_EQ(doc->plot.rois[2].lColor, 0);
-    ASSERT_EQ(doc->rois.nGetROINo(), 3);
-    EXPECT_EQ(doc->rois.item(2).nROIinPlot(), 1);
-    EXPECT_EQ(doc->rois.item(2).lROILCh(), 30);
+    ASSERT_EQ(static_cast<int>(doc->plot.rois.size()), 3);
+    EXPECT_EQ(doc->plot.rois[1].lFirst, 30);
     // The "$DATA:" after the ROI lines is still read.
     EXPECT_EQ(doc->lChannels, 2);
     EXPECT_EQ(doc->lCounts[1], 6);
@@ -398,9 +396,9 @@ TEST(VerifySpectrumOpen, FullFileWithoutRoisAfterOneWithRois) {
     ASSERT_TRUE(bSaveFullSpectrum(*plain, dir / "without.spe"));
     auto doc = std::make_unique<SpectrumDocument>();
     ASSERT_TRUE(OpenSpectrum(*doc, dir / "with.spe").full);
-    EXPECT_EQ(doc->rois.nGetROINo(), 3);
+    EXPECT_EQ(static_cast<int>(doc->plot.rois.size()), 3);
     ASSERT_TRUE(OpenSpectrum(*doc, dir / "without.spe").full);
-    EXPECT_EQ(doc->rois.nGetROINo(), 0);
+    EXPECT_EQ(static_cast<int>(doc->plot.rois.size()), 0);
     EXPECT_TRUE(doc->plot.rois.empty());
 }
 
@@ -470,7 +468,7 @@ TEST(VerifySpectrumOpen, RealFilesFromOtherPrograms) {
         EXPECT_EQ(sum, c.sum) << c.file;
         EXPECT_EQ(doc->sngLiveTime, c.live) << c.file;
         EXPECT_EQ(doc->sngRealTime, c.real) << c.file;
-        EXPECT_EQ(doc->rois.nGetROINo(), c.rois) << c.file;
+        EXPECT_EQ(static_cast<int>(doc->plot.rois.size()), c.rois) << c.file;
         EXPECT_EQ(doc->plot.rois.size(), static_cast<std::size_t>(c.rois)) << c.file;
         EXPECT_EQ(FormatSerial(doc->dtMeasured, "iso"), c.date) << c.file;
         EXPECT_FALSE(doc->calibration.bCalibrated) << c.file; // "$MCA_CAL:" is not read

@@ -7,8 +7,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "base/VexoError.h"
 #include "device/ScopeController.h"
-#include "shell/VexoError.h"
 
 namespace vexo {
 

@@ -12,11 +12,11 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include "base/Messages.h"
 #include "device/DeviceIO.h"
 #include "device/DeviceLibrary.h"
 #include "device/SettingsDisplay.h"
 #include "device/ui/frmAdvanced.h"
-#include "shell/Messages.h"
 #include "spectrum/EnergyCalibration.h"
 #include "spectrum/SpectrumDocument.h"
 

@@ -11,7 +11,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "shell/Messages.h"
+#include "base/Messages.h"
 
 namespace vexo {
 

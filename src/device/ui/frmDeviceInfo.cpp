@@ -5,7 +5,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "shell/NumberFormat.h"
+#include "base/NumberText.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {

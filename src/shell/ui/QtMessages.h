@@ -1,6 +1,6 @@
 #pragma once
 // Messages shown as modal message boxes over the main window.
-#include "shell/Messages.h"
+#include "base/Messages.h"
 
 class QWidget;
 

@@ -11,16 +11,17 @@
 #include <QStatusBar>
 #include <QToolBar>
 
+#include "base/AppDir.h"
+#include "base/DateTime.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
 #include "device/ScopeController.h"
 #include "device/ui/Settings.h"
-#include "shell/AppDir.h"
-#include "shell/DateTime.h"
+#include "plot/ui/SpectrumPlot.h"
+#include "shell/ui/PlotAppearance.h"
 #include "shell/ui/QtMessages.h"
-#include "shell/ui/SpectrumPlot.h"
 #include "spectrum/CountRate.h"
 #include "spectrum/ui/calib.h"
 
@@ -60,7 +61,7 @@ void TopLevel::startUp() {
     m_doc = SpectrumDocument{}; // no device, nothing acquiring or loaded, not calibrated
     m_zoom = {false, 0, m_doc.lChannels - 1};
     m_doc.dtMeasured = NowSerial();
-    m_doc.rois.clear();
+    m_rois.clear();
     std::error_code ec;
     std::filesystem::current_path(m_appDir, ec);
     if (ec)
@@ -133,7 +134,7 @@ MainWindowFlags TopLevel::flags() const {
     f.xUnitMode = static_cast<int>(m_xUnit);
     f.graphType = m_settings.SpctGraphType;
     f.externalProcessing = m_settings.EnableExtProcessing;
-    f.roiCount = m_doc.rois.nGetROINo();
+    f.roiCount = m_rois.nGetROINo();
     f.scopeShown = m_scopeShown;
     f.szFileName = m_doc.szFileName;
     f.szSpectrumID = m_doc.szSpectrumID;

@@ -11,9 +11,10 @@
 #include <map>
 #include <memory>
 
+#include "plot/PlotModel.h"
+#include "roi/RoiCollection.h"
 #include "shell/AppSettings.h"
 #include "shell/MainWindowState.h"
-#include "shell/PlotModel.h"
 #include "spectrum/SpectrumDocument.h"
 
 class QAction;
@@ -88,6 +89,7 @@ public:
     Scope* scopeWindow() const;
 
     SpectrumDocument& document() { return m_doc; }
+    RoiCollection& rois() { return m_rois; }
     AppSettings& settings() { return m_settings; }
     const std::filesystem::path& appDir() const { return m_appDir; }
     Messages& messages() { return *m_messages; }
@@ -158,6 +160,7 @@ private:
     std::unique_ptr<QtMessages> m_ownMessages;
     Messages* m_messages;
     SpectrumDocument m_doc;
+    RoiCollection m_rois; // the analysis records of m_doc.plot.rois
     AppSettings m_settings;
     FormLocation m_location;
     ZoomState m_zoom;

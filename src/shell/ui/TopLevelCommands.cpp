@@ -6,13 +6,14 @@
 #include <QMessageBox>
 #include <QToolBar>
 
+#include "base/AppDir.h"
+#include "base/DateTime.h"
+#include "base/DialogFilter.h"
+#include "base/Messages.h"
+#include "device/ExternalProcessing.h"
+#include "plot/ui/SpectrumPlot.h"
 #include "roi/RoiFile.h"
-#include "shell/AppDir.h"
-#include "shell/DateTime.h"
-#include "shell/DialogFilter.h"
-#include "shell/ExternalProcessing.h"
-#include "shell/Messages.h"
-#include "shell/ui/SpectrumPlot.h"
+#include "shell/ui/PlotAppearance.h"
 #include "shell/ui/TopLevel.h"
 #include "shell/ui/frmPref.h"
 #include "spectrum/SpectrumCommands.h"
@@ -47,7 +48,7 @@ QString AskFile(QWidget* parent, bool save, std::string_view title, std::string_
 } // namespace
 
 bool TopLevel::openSpectrum(const QString& path) {
-    const OpenResult r = OpenSpectrum(m_doc, path.toStdString());
+    const OpenResult r = OpenSpectrumWithRois(m_doc, m_rois, path.toStdString());
     if (!r.opened) {
         m_messages->exclamation("Error opening file: " + r.error);
         DisplaySpectrum(); // the ROIs and calibration were reset before reading
@@ -225,12 +226,12 @@ void TopLevel::mnuROISave() {
     if (path.isEmpty())
         return;
     std::string error;
-    if (!WriteRoiFile(path.toStdString(), m_doc.rois, &error))
+    if (!WriteRoiFile(path.toStdString(), m_rois, &error))
         m_messages->exclamation("Error saving file: " + error);
 }
 
 void TopLevel::mnuROIClearAll() {
-    m_doc.rois.clear();
+    m_rois.clear();
     m_doc.plot.rois.clear();
     RefreshMainWindow(8);
     DisplaySpectrum();

@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QLabel>
 
+#include "base/AppDir.h"
+#include "base/Messages.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
 #include "device/ConnectionController.h"
@@ -15,9 +17,7 @@
 #include "device/ui/frmBatch.h"
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
-#include "shell/AppDir.h"
-#include "shell/Messages.h"
-#include "shell/ui/SpectrumPlot.h"
+#include "plot/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 
 #include <QProgressBar>
@@ -58,7 +58,7 @@ void TopLevel::createControllers() {
         if (m_scopeWindow && m_scopeWindow->isVisible())
             m_scopeWindow->DisplayWaveform();
     };
-    m_acq = std::make_unique<AcquisitionController>(*m_lib, m_doc, *m_messages, ah);
+    m_acq = std::make_unique<AcquisitionController>(*m_lib, m_doc, m_rois, *m_messages, ah);
 
     ConnectionHooks ch;
     ch.refreshMainWindow = [this](int code) { RefreshMainWindow(code); };
@@ -80,9 +80,11 @@ void TopLevel::createControllers() {
             m_settingsWindow->refreshControls();
     };
     ch.setRefreshTimer = [this](bool on) { on ? m_tmrRefresh.start() : m_tmrRefresh.stop(); };
-    m_connection = std::make_unique<ConnectionController>(*m_lib, m_doc, m_settings, m_appDir,
-                                                          *m_messages, ch);
-    m_autoConnect = std::make_unique<AutoConnect>(*m_lib, m_doc, m_settings, *m_messages, ch);
+    ch.rememberDetector = [this](const std::string& path) {
+        RememberDetector(m_settings, path, m_appDir, *m_messages);
+    };
+    m_connection = std::make_unique<ConnectionController>(*m_lib, m_doc, *m_messages, ch);
+    m_autoConnect = std::make_unique<AutoConnect>(*m_lib, m_doc, *m_messages, ch);
 
     BatchHooks bh;
     bh.refreshMainWindow = [this](int code) {
@@ -91,8 +93,11 @@ void TopLevel::createControllers() {
     };
     bh.setWaitTimer = [this](bool on) { on ? m_tmrBatchWait.start() : m_tmrBatchWait.stop(); };
     bh.processEvents = [] { QApplication::processEvents(); };
-    m_batch = std::make_unique<BatchController>(*m_acq, &m_settings, m_appDir,
-                                                WithTrailingSeparator(ExecutableDir()), bh);
+    bh.rememberBatchDir = [this](const std::string& dir) {
+        RememberBatchDir(m_settings, dir, m_appDir, *m_messages);
+    };
+    bh.processSettings = [this] { return ProcessSettingsFrom(m_settings); };
+    m_batch = std::make_unique<BatchController>(*m_acq, WithTrailingSeparator(ExecutableDir()), bh);
     m_scope = std::make_unique<ScopeController>(*m_lib, m_doc);
 
     connect(&m_tmrRefresh, &QTimer::timeout, this, [this] { m_acq->tick(); });
@@ -110,7 +115,7 @@ bool TopLevel::needDevice() {
 void TopLevel::startAutoConnect() {
     if (!needDevice())
         return;
-    m_autoConnect->start();
+    m_autoConnect->start(m_settings.DetectorPath, m_settings.ApplyHV);
     m_frmAutoConnect = new frmAutoConnect(*m_autoConnect, this);
     m_frmAutoConnect->setAttribute(Qt::WA_DeleteOnClose);
     m_frmAutoConnect->show();
@@ -165,7 +170,7 @@ void TopLevel::showRoiReadout() {
     std::size_t pick = 0;
     const int32_t cursor = m_plot41->cursorChannel();
     std::size_t i = 0;
-    for (const clsROI& roi : m_doc.rois) {
+    for (const clsROI& roi : m_rois) {
         if (i < readouts.size() && roi.lROILCh() <= cursor && cursor <= roi.lROIRCh()) {
             pick = i;
             break;

@@ -13,7 +13,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-#include "shell/ui/SpectrumPlot.h"
+#include "plot/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 
 namespace vexo {

@@ -16,11 +16,12 @@
 #include <QVBoxLayout>
 #include <cmath>
 
+#include "base/DialogFilter.h"
 #include "nuclide/NuclideLibrary.h"
-#include "shell/DialogFilter.h"
+#include "plot/ui/SpectrumPlot.h"
+#include "plot/ui/WinColor.h"
 #include "shell/PreferencesRules.h"
-#include "shell/ui/SpectrumPlot.h"
-#include "shell/ui/WinColor.h"
+#include "shell/ui/PlotAppearance.h"
 
 namespace vexo {
 

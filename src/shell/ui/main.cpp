@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "shell/AppDir.h"
+#include "base/AppDir.h"
 #include "shell/ui/TopLevel.h"
 
 int main(int argc, char** argv) {

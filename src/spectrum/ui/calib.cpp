@@ -9,7 +9,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "shell/Messages.h"
+#include "base/Messages.h"
 #include "spectrum/CalibrationSolver.h"
 #include "spectrum/SpectrumDocument.h"
 

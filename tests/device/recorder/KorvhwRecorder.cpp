@@ -16,7 +16,7 @@
 #include <mutex>
 #include <string>
 
-#include "device/KorvhwApi.h"
+#include "KorvhwApi.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include <cmath>
 
 #include "UiTestSupport.h"
-#include "shell/ui/SpectrumPlot.h"
+#include "plot/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 #include "shell/ui/frmPref.h"
 #include "spectrum/ui/calib.h"

@@ -1,0 +1,379 @@
+// The device windows with the simulated analyser loaded for real: the device list,
+// Connect, Start, the refresh tick, the MCA settings and scope windows, Stop, Save All
+// and reopening the file; batches; the start-up connection to the last detector.
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QTimer>
+#include <fstream>
+
+#include "UiTestSupport.h"
+#include "device/AcquisitionController.h"
+#include "device/BatchController.h"
+#include "device/ui/Scope.h"
+#include "device/ui/Settings.h"
+#include "device/ui/frmBatch.h"
+#include "device/ui/frmDeviceInfo.h"
+#include "device/ui/frmDevices.h"
+#include "shell/ui/TopLevel.h"
+#include "spectrum/ui/calib.h"
+
+using namespace vexo;
+
+class DeviceWindowsTest : public QObject, public UiFixture {
+    Q_OBJECT
+
+    // Every status-bar panel with a text is wide enough for all of it.
+    static void assertPanelsNotCut(TopLevel& w) {
+        int shown = 0;
+        for (int i = 0; i < kStatusPanelCount; ++i) {
+            QLabel* panel = w.panel(static_cast<StatusPanel>(i));
+            if (panel->text().isEmpty()) {
+                QVERIFY(!panel->isVisible());
+                continue;
+            }
+            ++shown;
+            QVERIFY(panel->isVisible());
+            const int needed =
+                panel->fontMetrics().horizontalAdvance(panel->text()) + 2 * panel->frameWidth();
+            QVERIFY2(panel->contentsRect().width() + 2 * panel->frameWidth() >= needed,
+                     qPrintable(QString("%1: %2 of %3 pixels")
+                                    .arg(panel->text())
+                                    .arg(panel->width())
+                                    .arg(needed)));
+        }
+        QVERIFY(shown > 0);
+    }
+
+private slots:
+    void initTestCase() { QVERIFY(setUp()); }
+    void init() { m_messages.clear(); }
+
+    void connectStartTickStopSaveAllReopen() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY2(w.document().hDevice != 0, "the simulated analyser did not open");
+        QCOMPARE(w.panelText(StatusPanel::Connection),
+                 QString("Connected to KORV MCA-10 S/N 10230417"));
+        QVERIFY(enabled(w, "tbStart"));
+        QVERIFY(!enabled(w, "tbStop"));
+        QVERIFY(!enabled(w, "tbConnect"));
+        QVERIFY(w.refreshTimer().isActive());
+
+        clsROI roi; // an ROI over the Cs-137 line, so the ROI read-out fills in
+        roi.set_vntID("Cs");
+        roi.set_lROILCh(150);
+        roi.set_lROIRCh(400);
+        w.rois().add(roi);
+        w.action("mnuMCAStart")->trigger();
+        QVERIFY(w.acquisition()->bAcqActive());
+        QVERIFY(enabled(w, "tbStop"));
+        QVERIFY(!enabled(w, "tbStart"));
+        for (int i = 0; i < 6; ++i)
+            w.acquisition()->tick();
+        QVERIFY(w.panelText(StatusPanel::Elapsed).startsWith("Elapsed time (seconds): "));
+        QVERIFY(w.panelText(StatusPanel::CountRate).endsWith(" cps"));
+        long long total = 0;
+        for (int ch = 0; ch < w.document().lChannels; ++ch)
+            total += w.document().lCounts[ch];
+        QVERIFY(total > 0);
+        const QStringList info = w.infoTexts();
+        QVERIFY2(info[5].endsWith(" CPS") && info[6].endsWith(" CPS"), qPrintable(info.join("|")));
+        QVERIFY(info[3] != "0.00 keV");
+        QCOMPARE(w.width(), 1000); // the default width
+        QApplication::processEvents();
+        assertPanelsNotCut(w);
+        shoot(w, "main_acquiring");
+
+        // MCA settings: a coarse gain chosen and applied comes back from the device.
+        w.dispatchToolButton("tbSettings");
+        QVERIFY(w.settingsWindow());
+        auto* coarse = qobject_cast<QComboBox*>(w.settingsWindow()->control("cmbCoarseGain"));
+        QCOMPARE(coarse->count(), 8);
+        QCOMPARE(coarse->itemText(7), QString("x128"));
+        coarse->setCurrentIndex(4);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(w.document().lCoarseGain, 4);
+        QCOMPARE(coarse->currentIndex(), 4);
+        QCOMPARE(qobject_cast<QLabel*>(w.settingsWindow()->control("lblHVState"))->text(),
+                 QString("On"));
+        shoot(*w.settingsWindow(), "mca_settings");
+        w.settingsWindow()->close();
+        QApplication::processEvents();
+        QVERIFY(!w.settingsWindow());
+
+        // The scope: opened from the menu, fed by the tick, closed by its own button.
+        w.action("mnuViewScope")->trigger();
+        QVERIFY(w.scopeWindow());
+        QVERIFY(w.action("mnuViewScope")->isChecked());
+        w.scopeWindow()->optInput()->setChecked(true);
+        for (int i = 0; i < 4; ++i)
+            w.acquisition()->tick();
+        w.scopeWindow()->resize(640, 360);
+        shoot(*w.scopeWindow(), "scope");
+        QTest::mouseClick(w.scopeWindow()->findChild<QPushButton*>("cmdClose"), Qt::LeftButton);
+        QApplication::processEvents();
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
+        w.dispatchToolButton("tbScope"); // reopened from the toolbar, closed by the menu
+        QVERIFY(w.action("mnuViewScope")->isChecked());
+        w.action("mnuViewScope")->trigger();
+        QApplication::processEvents();
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
+
+        w.dispatchToolButton("tbStop");
+        QVERIFY(!w.acquisition()->bAcqActive());
+        QVERIFY(enabled(w, "tbStart"));
+        const QString saved = m_dir.path() + "/measured.spe";
+        QVERIFY(w.saveAllSpectrum(saved));
+        const auto counts = w.document().lCounts;
+        const int channels = w.document().lChannels;
+
+        w.action("mnuFileDisconnect")->trigger();
+        QCOMPARE(w.document().hDevice, 0);
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
+        QVERIFY(!w.refreshTimer().isActive());
+
+        w.document().lCounts.fill(0);
+        QVERIFY(w.openSpectrum(saved));
+        QCOMPARE(w.document().lChannels, channels);
+        for (int ch = 0; ch < channels; ++ch)
+            QCOMPARE(w.document().lCounts[ch], counts[ch]);
+        QVERIFY2(m_messages.shown().empty(),
+                 m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    // The calibration kept in the device: edited in the MCA settings window, written by
+    // Apply, and read back on the next connection.
+    void deviceCalibrationAppliedAndReadBack() {
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.showMcaSettings();
+        QVERIFY(w.settingsWindow());
+        const auto box = [&w](const char* name) {
+            return qobject_cast<QDoubleSpinBox*>(w.settingsWindow()->control(name));
+        };
+        QVERIFY(box("txtCalOffset") && box("txtCalSlope") && box("txtCalQuadratic"));
+        box("txtCalOffset")->setValue(-3.25);
+        box("txtCalSlope")->setValue(0.7317);
+        box("txtCalQuadratic")->setValue(1.5e-6);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(float(w.document().dDeviceCal[0]), -3.25f);
+        QCOMPARE(float(w.document().dDeviceCal[1]), 0.7317f);
+        QCOMPARE(float(w.document().dDeviceCal[2]), 1.5e-6f);
+        w.settingsWindow()->close();
+        QApplication::processEvents();
+        QVERIFY(!w.settingsWindow());
+
+        // A new connection reads id 25 again: the values come from the device.
+        w.disconnectDevice();
+        w.document().dDeviceCal = {0.0, 0.0, 0.0};
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        QCOMPARE(float(w.document().dDeviceCal[1]), 0.7317f);
+        w.showMcaSettings();
+        QVERIFY(w.settingsWindow());
+        QCOMPARE(box("txtCalOffset")->value(), -3.25);
+        QCOMPARE(box("txtCalSlope")->text(), QString("0.731700 keV/ch"));
+        QCOMPARE(box("txtCalQuadratic")->text(), QString("0.000001500 keV/ch²"));
+
+        // Accepting an energy calibration refreshes the open window's discriminator energies.
+        auto* lld = qobject_cast<QSpinBox*>(w.settingsWindow()->control("txtLLD"));
+        auto* lldEnergy = qobject_cast<QLabel*>(w.settingsWindow()->control("lblLLDEnergy"));
+        lld->setValue(100);
+        const QString before = lldEnergy->text();
+        w.showCalibration();
+        calib* dialog = w.existingCalibDialog();
+        QVERIFY(dialog);
+        dialog->txtCh(0)->setText("100");
+        dialog->cmbEn(0)->setEditText("300");
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        dialog->cmdOk();
+        QVERIFY(w.document().calibration.bCalibrated);
+        QVERIFY(before != "300.0 keV");
+        QCOMPARE(lldEnergy->text(), QString("300.0 keV"));
+        QCOMPARE(lld->value(), 100); // the edit not yet applied is kept
+        w.close();
+    }
+
+    // The link drops while acquiring: one message, the disconnected state, and a later
+    // Connect (to a device without the fault) works.
+    void lostDeviceDuringAcquisition() {
+        const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
+        const std::filesystem::path faulty = dir() / "KORVHW-drops.ini";
+        std::ofstream(faulty)
+            << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir=" << (dir() / "sim").string()
+            << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
+               "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n"
+               "DisconnectAfter=3\n";
+        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(faulty.string()));
+        TopLevel w(dir(), &m_messages);
+        w.show();
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        qputenv("VEXO_SIM_CONFIG", healthy);
+        QVERIFY(w.document().hDevice != 0);
+        w.dispatchToolButton("tbSettings");
+        w.action("mnuViewScope")->trigger();
+        QVERIFY(w.settingsWindow() && w.scopeWindow());
+        w.startAcquisition();
+        QVERIFY(w.acquisition()->bAcqActive());
+        for (int i = 0; i < 20; ++i)
+            w.acquisition()->tick(); // well past 3 simulated seconds
+        QApplication::processEvents();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("Lost the connection to the MCA: Connection closed"));
+        QCOMPARE(w.document().hDevice, 0);
+        QVERIFY(!w.acquisition()->bAcqActive());
+        QVERIFY(!w.refreshTimer().isActive());
+        QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
+        QVERIFY(enabled(w, "tbConnect"));
+        QVERIFY(!enabled(w, "tbDisconnect"));
+        QVERIFY(!enabled(w, "tbStart"));
+        QVERIFY(!enabled(w, "tbStop"));
+        QVERIFY(!w.settingsWindow()); // the device windows closed with the device
+        QVERIFY(!w.scopeWindow());
+        QVERIFY(!w.action("mnuViewScope")->isChecked());
+
+        // Connect again, to the configuration without the fault.
+        pickFirstDeviceSoon();
+        w.dispatchToolButton("tbConnect");
+        QVERIFY(w.document().hDevice != 0);
+        QCOMPARE(w.panelText(StatusPanel::Connection),
+                 QString("Connected to KORV MCA-10 S/N 10230417"));
+        QVERIFY(enabled(w, "tbStart"));
+        QVERIFY(w.refreshTimer().isActive());
+        w.startAcquisition();
+        for (int i = 0; i < 10; ++i)
+            w.acquisition()->tick();
+        QVERIFY(w.acquisition()->bAcqActive());
+        QCOMPARE(m_messages.shown().size(), std::size_t(1)); // nothing more to report
+        w.close();
+    }
+
+    void batchOfTwoSavesTwoFiles() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.document().lPresetMode = 3; // live-time preset
+        const QString out = m_dir.path() + "/batch";
+        QVERIFY(QDir().mkpath(out));
+        QTimer::singleShot(0, [out] {
+            auto* batch = qobject_cast<frmBatch*>(QApplication::activeModalWidget());
+            if (!batch)
+                return;
+            qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out + "/nowhere");
+            batch->cmdStart(); // a folder that does not exist is refused
+            qobject_cast<QLineEdit*>(batch->control("txtBatchSubDir"))->setText(out);
+            qobject_cast<QLineEdit*>(batch->control("txtNoOfMeas"))->setText("2");
+            batch->cmdStart();
+            if (batch->isVisible())
+                batch->reject();
+        });
+        w.action("mnuMCABatch")->trigger();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].title, std::string("Batch Settings"));
+        QVERIFY(w.acquisition()->bBatchMode());
+        QCOMPARE(w.panelText(StatusPanel::Batch), QString("BATCH ON"));
+        QVERIFY(!enabled(w, "tbStart")); // batch on counts as busy
+        auto* progress = w.findChild<QProgressBar*>("batchProgress");
+        QVERIFY(progress && progress->isVisibleTo(&w));
+        QCOMPARE(progress->maximum(), 2);
+        QCOMPARE(progress->value(), int(w.batch()->nBatchIndex()));
+        // Stop during the batch asks first; Cancel leaves it running.
+        m_messages.queueAnswer(MsgAnswer::Cancel);
+        w.stopAcquisition();
+        QCOMPARE(m_messages.shown().back().title, std::string("Stop Batch Acquisition"));
+        QVERIFY(w.acquisition()->bBatchMode());
+        m_messages.queueAnswer(MsgAnswer::Ok);
+        w.stopAcquisition();
+        QVERIFY(!w.acquisition()->bBatchMode());
+        QVERIFY(enabled(w, "tbStart"));
+        QVERIFY(!progress->isVisibleTo(&w));
+        w.close();
+    }
+
+    void secondConnectIsRefused() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        // Device information shows the identity read at connection.
+        QString shownName;
+        QTimer::singleShot(0, [&shownName] {
+            auto* info = qobject_cast<frmDeviceInfo*>(QApplication::activeModalWidget());
+            if (!info)
+                return;
+            for (QLabel* l : info->findChildren<QLabel*>())
+                if (l->text() == "KORV MCA-10")
+                    shownName = l->text();
+            info->accept();
+        });
+        w.action("mnuFileDevInfo")->trigger();
+        QCOMPARE(shownName, QString("KORV MCA-10"));
+        m_messages.clear();
+        w.dispatchToolButton("tbConnect");
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text, std::string("Already connected"));
+        w.close();
+        QCOMPARE(w.document().hDevice, 0); // shut-down closes the device
+        m_messages.clear();
+        w.showDeviceInfo(); // not connected any more
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text, std::string("Not connected"));
+    }
+
+    void emptyDeviceListRefusesOpen() {
+        TopLevel w(dir(), &m_messages);
+        QTimer::singleShot(0, [] {
+            auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
+            if (!list)
+                return;
+            list->cmdOpen(); // no tick yet: the list is empty
+            list->reject();
+        });
+        w.connectDevice();
+        QCOMPARE(w.document().hDevice, 0);
+        // Start-up may also have said that the report styles file is missing.
+        int listEmpty = 0;
+        for (const Message& m : m_messages.shown())
+            listEmpty += m.text == kEmptyDeviceListText && m.title == "Vexo";
+        QCOMPARE(listEmpty, 1);
+    }
+    // Start-up with "OpenLastDetectorUsed": tmrConnect opens the remembered detector.
+    void autoConnectAtStartUp() {
+        {
+            std::ofstream ini(dir() / "Vexo.ini");
+            ini << "[PROGRAM]\r\nOpenLastDetectorUsed=-1\r\nDetectorPath=USB:KORV-10-001\r\n";
+        }
+        TopLevel w(dir(), &m_messages);
+        QTRY_VERIFY_WITH_TIMEOUT(w.document().hDevice != 0, 5000);
+        QCOMPARE(w.panelText(StatusPanel::Connection),
+                 QString("Connected to KORV MCA-10 S/N 10230417"));
+        QVERIFY(w.refreshTimer().isActive());
+        w.close();
+        QCOMPARE(w.document().hDevice, 0);
+        std::filesystem::remove(dir() / "Vexo.ini");
+    }
+};
+
+QTEST_MAIN(DeviceWindowsTest)
+#include "device_windows.moc"

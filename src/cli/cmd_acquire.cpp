@@ -83,7 +83,7 @@ bool Measure(MeasureSession& session, AcquisitionController& acq, bool& lost) {
         if (preset.kind == PresetChoice::Kind::Forever && acq.bAcqActive() &&
             session.document().sngRealTime >= preset.seconds) {
             acq.stop();
-            acq.DisplaySpectrum(); // the counts up to the moment it stopped
+            acq.readSpectrum(); // the counts up to the moment it stopped
         }
     }
     return !lost;

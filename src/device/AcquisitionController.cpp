@@ -22,7 +22,7 @@ AcquisitionController::AcquisitionController(DeviceLibrary& lib, SpectrumDocumen
       m_now(now ? std::move(now) : std::function<double()>(NowSerial)),
       m_scratch(KORVHW_SPECTRUM_SLOTS) {}
 
-void AcquisitionController::refresh(int code) {
+void AcquisitionController::refresh(RefreshCode code) {
     if (m_hooks.refreshMainWindow)
         m_hooks.refreshMainWindow(code);
 }
@@ -59,7 +59,7 @@ bool AcquisitionController::start() {
     m_doc.szDeviceSerial = m_deviceSerial;
     m_bAcqActive = true;
     m_bCleared = false;
-    refresh(kRefreshAcquisition);
+    refresh(RefreshCode::Acquisition);
     return true;
 }
 
@@ -81,7 +81,7 @@ bool AcquisitionController::stop() {
             m_messages.critical(ErrorText(rc));
     }
     m_bAcqActive = false;
-    refresh(kRefreshAcquisition);
+    refresh(RefreshCode::Acquisition);
     return true;
 }
 
@@ -101,8 +101,10 @@ void AcquisitionController::clear() {
     if (rc != 0)
         m_messages.critical(ErrorText(rc));
     m_bCleared = true;
-    DisplaySpectrum();
-    DisplayStatus();
+    AcquisitionUpdate update;
+    readSpectrumAndRois(update);
+    update.statusPolled = DisplayStatus();
+    announce(update);
     if (wasRunning && m_doc.hDevice != 0) {
         m_doc.dtMeasured = m_now();
         rc = m_lib.startAcquisition(m_doc.hDevice);
@@ -120,36 +122,61 @@ void AcquisitionController::tick() {
     noteDevice();
     if (m_doc.hDevice == 0)
         return;
+    AcquisitionUpdate update;
     if (m_bAcqActive) {
-        DisplayStatus();
-        if (m_doc.hDevice != 0 && DisplaySpectrum())
-            updateRois();
+        update.statusPolled = DisplayStatus();
+        readSpectrumAndRois(update);
     } else {
-        checkStopped();
+        update.statusPolled = checkStopped();
     }
+    announce(update);
     // The scope polls after the status and spectrum work of the same tick.
     if (m_doc.hDevice != 0 && m_hooks.scopeCycle)
         m_hooks.scopeCycle();
 }
 
-void AcquisitionController::checkStopped() {
-    DisplayStatus();
-    if (m_doc.hDevice == 0)
+void AcquisitionController::showDevice() {
+    noteDevice();
+    AcquisitionUpdate update;
+    update.statusPolled = DisplayStatus();
+    readSpectrumAndRois(update);
+    announce(update);
+}
+
+void AcquisitionController::readSpectrumAndRois(AcquisitionUpdate& update) {
+    if (m_doc.hDevice == 0 || !readSpectrum())
         return;
+    update.spectrumRead = true;
+    updateRois();
+    update.roisUpdated = true;
+}
+
+void AcquisitionController::announce(const AcquisitionUpdate& update) {
+    if (!update.statusPolled && !update.spectrumRead)
+        return;
+    if (m_hooks.updated)
+        m_hooks.updated(update);
+}
+
+bool AcquisitionController::checkStopped() {
+    const bool polled = DisplayStatus();
+    if (m_doc.hDevice == 0)
+        return polled;
     int32_t status = -1;
     const int32_t rc = m_lib.getAcquisitionStatus(m_doc.hDevice, status);
     if (rc != 0) {
         connectionLost(rc);
-        return;
+        return polled;
     }
     if (status != 0)
-        return;
+        return polled;
     if (m_bBatchMode) {
         if (m_batch.doBatch)
             m_batch.doBatch();
     } else {
-        refresh(kRefreshAcquisition);
+        refresh(RefreshCode::Acquisition);
     }
+    return polled;
 }
 
 bool AcquisitionController::DisplayStatus() {
@@ -194,7 +221,7 @@ void AcquisitionController::presetText() {
         m_texts.preset = "Counts = " + std::to_string(m_doc.lPresetCounts);
 }
 
-bool AcquisitionController::DisplaySpectrum() {
+bool AcquisitionController::readSpectrum() {
     if (m_doc.hDevice == 0)
         return false;
     // Read into a scratch buffer so a failing call cannot leave half a spectrum behind.
@@ -234,8 +261,6 @@ bool AcquisitionController::DisplaySpectrum() {
         m_readings.inputCountRate = icr;
         m_texts.icr = "ICR " + FormatSingle(icr, "0.0") + " cps";
     }
-    if (m_hooks.spectrumRead)
-        m_hooks.spectrumRead();
     return true;
 }
 
@@ -276,7 +301,7 @@ bool AcquisitionController::connectionLost(int32_t status) {
     if (m_hooks.connectionLost)
         m_hooks.connectionLost();
     else
-        refresh(0);
+        refresh(RefreshCode::All);
     return true;
 }
 

@@ -7,11 +7,11 @@
 // panelTexts() and applies the refresh codes it is handed.
 //
 // Wiring in a window: tmrRefresh (kRefreshIntervalMs) -> tick(); hooks.refreshMainWindow
-// -> RefreshMainWindow(code); hooks.spectrumRead -> redraw plots and ROI read-outs
-// (roiReadouts()); hooks.scopeCycle -> ScopeController::DisplayWaveform when the scope
-// is shown; hooks.connectionLost -> the Disconnect command's clean-up (timers off,
-// device windows closed, full refresh). Menu Start/Stop/Clear -> start()/stop()/clear().
-// After a successful connect call deviceConnected().
+// -> RefreshMainWindow(code); hooks.updated -> redraw the plots, the status texts and the
+// ROI read-outs (roiReadouts()); hooks.scopeCycle -> ScopeController::DisplayWaveform
+// when the scope is shown; hooks.connectionLost -> the Disconnect command's clean-up
+// (timers off, device windows closed, full refresh). Menu Start/Stop/Clear ->
+// start()/stop()/clear(). After a successful connect call deviceConnected().
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -20,15 +20,14 @@
 
 #include "base/Messages.h"
 #include "device/DeviceLibrary.h"
+#include "device/RefreshCode.h"
 #include "roi/RoiCollection.h"
 #include "roi/RoiReadout.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
 
-constexpr int kRefreshIntervalMs = 500;  // tmrRefresh
-constexpr int kRefreshAcquisition = 2;   // RefreshMainWindow: acquisition state changed
-constexpr int kRefreshOptionsBatch = 16; // RefreshMainWindow: options and batch panels
+constexpr int kRefreshIntervalMs = 500; // tmrRefresh
 
 // The status-bar texts of the acquisition, as the window shows them. A text is only
 // rewritten by the step that owns it; a failing step leaves the old text.
@@ -48,10 +47,21 @@ struct AcquisitionReadings {
     std::optional<int32_t> mcsChannel;   // channel the MCS scan is filling
 };
 
+// What one pass of the controller (a refresh tick, Clear, a read after connecting)
+// brought up to date. It is announced once, after everything it names is updated, so a
+// window that redraws from it never shows figures of two different spectra.
+struct AcquisitionUpdate {
+    bool statusPolled = false; // status and preset texts are from this pass
+    bool spectrumRead = false; // counts, times, rates and their texts are from this pass
+    bool roisUpdated = false;  // the ROI figures are those of this pass's spectrum
+};
+
 // What the acquisition asks of its owner; an empty hook is skipped.
 struct AcquisitionHooks {
-    std::function<void(int code)> refreshMainWindow; // RefreshMainWindow(code)
-    std::function<void()> spectrumRead;              // redraw the plots, info panel
+    std::function<void(RefreshCode code)> refreshMainWindow; // RefreshMainWindow(code)
+    // End of a pass that polled the status or read the spectrum: redraw from the record,
+    // panelTexts() and roiReadouts().
+    std::function<void(const AcquisitionUpdate& update)> updated;
     // The device stopped answering (closed link, invalid handle). The controller has
     // already closed it (hDevice = 0); the owner stops its timers and shows the
     // disconnected state. Without this hook the controller asks for a full refresh (0).
@@ -95,14 +105,20 @@ public:
     // StopAcquisition (its error text shown on failure), bAcqActive = false, code 2.
     bool stop();
 
-    // mnuMCAClear: StopAcquisition and ClearAll, the empty spectrum and status shown,
-    // and a running acquisition restarted from zero with a new dtMeasured.
+    // mnuMCAClear: StopAcquisition and ClearAll, the empty spectrum and status shown
+    // (one `updated` notice), and a running acquisition restarted from zero with a new
+    // dtMeasured.
     void clear();
 
     // One tmrRefresh tick; does nothing without a device. Running: status, spectrum and
     // ROI figures. Stopped: status, then a status read; a device found stopped hands
-    // over to the batch (batch mode) or asks for code 2. Then the scopeCycle hook.
+    // over to the batch (batch mode) or asks for code 2. Then the `updated` notice, and
+    // last the scopeCycle hook.
     void tick();
+
+    // The spectrum and status of the device just opened, shown at once rather than at
+    // the next tick: status poll, spectrum read, ROI figures, one `updated` notice.
+    void showDevice();
 
     // Status poll: status word, mode (id 5) and HV word (id 22). When any of the three
     // fails nothing changes and false is returned. Otherwise the status and preset
@@ -112,7 +128,8 @@ public:
     // Spectrum read into lCounts, lChannels, sngRealTime, sngLiveTime, with dead time,
     // count rate, MCS channel (id 27) or input count rate (id 35) and their texts. A
     // failing read leaves the record and the texts as they were and returns false.
-    bool DisplaySpectrum();
+    // Announces nothing: the pass that called it does, once it is complete.
+    bool readSpectrum();
 
     // Re-analyses every ROI with the current live time (nothing when there are none).
     void updateRois();
@@ -143,11 +160,15 @@ public:
 
 private:
     bool connectionLost(int32_t status);
-    void checkStopped();
+    // The stopped branch of a tick; true when its status poll succeeded.
+    bool checkStopped();
     void noteDevice();
     void presetText();
     void elapsedTexts(int32_t mcsChannel, bool haveMcsChannel);
-    void refresh(int code);
+    void refresh(RefreshCode code);
+    // Spectrum read, then the ROI figures of it; what was done is added to `update`.
+    void readSpectrumAndRois(AcquisitionUpdate& update);
+    void announce(const AcquisitionUpdate& update);
 
     DeviceLibrary& m_lib;
     SpectrumDocument& m_doc;

@@ -22,7 +22,7 @@ BatchPanelTexts BatchController::panelTexts() const {
                                m_nBatchIndex, m_settings.bBatchUntilStop, m_settings.nBatchCount);
 }
 
-void BatchController::refresh(int code) {
+void BatchController::refresh(RefreshCode code) {
     if (m_hooks.refreshMainWindow)
         m_hooks.refreshMainWindow(code);
 }
@@ -76,7 +76,7 @@ void BatchController::DoBatch() {
             m_bBatchWaiting = true;
             m_sngBatchWaited = 0.0f;
             setWaitTimer(true);
-            refresh(kRefreshOptionsBatch);
+            refresh(RefreshCode::OptionsBatch);
             return;
         }
     } else {
@@ -103,8 +103,8 @@ void BatchController::saveMeasurement() {
 void BatchController::startMeasurement() {
     m_acq.setBatchMode(true);
     m_acq.DisplayStatus();
-    refresh(kRefreshAcquisition);
-    refresh(kRefreshOptionsBatch);
+    refresh(RefreshCode::Acquisition);
+    refresh(RefreshCode::OptionsBatch);
     if (m_hooks.processEvents)
         m_hooks.processEvents();
     // A refused start (its error already shown) would otherwise be found "stopped" by
@@ -118,15 +118,15 @@ void BatchController::StopBatch() {
     m_bBatchWaiting = false;
     m_sngBatchWaited = 0.0f;
     m_acq.setBatchMode(false);
-    refresh(kRefreshAcquisition);
-    refresh(kRefreshOptionsBatch);
+    refresh(RefreshCode::Acquisition);
+    refresh(RefreshCode::OptionsBatch);
 }
 
 void BatchController::abortByUser() {
     setWaitTimer(false);
     resetCounters();
     m_acq.setBatchMode(false);
-    refresh(kRefreshOptionsBatch);
+    refresh(RefreshCode::OptionsBatch);
 }
 
 void BatchController::tmrBatchWait() {
@@ -137,14 +137,14 @@ void BatchController::tmrBatchWait() {
     m_acq.DisplayStatus();
     if (!m_waitTimer)
         return; // the poll found the device gone and the batch has ended
-    refresh(kRefreshOptionsBatch);
+    refresh(RefreshCode::OptionsBatch);
     if (m_hooks.processEvents)
         m_hooks.processEvents();
     if (m_sngBatchWaited >= static_cast<float>(m_settings.lBatchWait)) {
         setWaitTimer(false);
         m_bBatchWaiting = false;
         m_sngBatchWaited = 0.0f;
-        refresh(kRefreshAcquisition);
+        refresh(RefreshCode::Acquisition);
         startMeasurement();
     }
 }

@@ -12,6 +12,7 @@
 #include "device/AcquisitionController.h"
 #include "device/BatchSettings.h"
 #include "device/ExternalProcessing.h"
+#include "device/RefreshCode.h"
 
 namespace vexo {
 
@@ -20,9 +21,9 @@ constexpr float kBatchWaitStepSeconds = 0.5f;
 
 // What the batch asks of its owner; an empty hook is skipped.
 struct BatchHooks {
-    std::function<void(int code)> refreshMainWindow; // RefreshMainWindow(code)
-    std::function<void(bool enabled)> setWaitTimer;  // tmrBatchWait
-    std::function<void()> processEvents;             // let pending window events run
+    std::function<void(RefreshCode code)> refreshMainWindow; // RefreshMainWindow(code)
+    std::function<void(bool enabled)> setWaitTimer;          // tmrBatchWait
+    std::function<void()> processEvents;                     // let pending window events run
     // After each save attempt: the file's path and whether it was written.
     std::function<void(const std::string& path, bool saved)> fileSaved;
     // Start of a batch: remember its folder in the settings file (batch keys only).
@@ -84,7 +85,7 @@ private:
     void abortByUser();
     void resetCounters();
     void setWaitTimer(bool enabled);
-    void refresh(int code);
+    void refresh(RefreshCode code);
     void saveMeasurement();
     void startMeasurement();
 

@@ -14,7 +14,7 @@ void Call(const std::function<void()>& hook) {
         hook();
 }
 
-void Refresh(const ConnectionHooks& hooks, int code) {
+void Refresh(const ConnectionHooks& hooks, RefreshCode code) {
     if (hooks.refreshMainWindow)
         hooks.refreshMainWindow(code);
 }
@@ -57,7 +57,7 @@ void OpenMca(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
     ReadAllParams(lib, doc);
     Call(hooks.refreshSettingsControls);
     Call(hooks.displaySpectrumAndStatus);
-    Refresh(hooks, kRefreshDeviceState);
+    Refresh(hooks, RefreshCode::DeviceState);
     SetRefreshTimer(hooks, true);
 }
 
@@ -86,7 +86,7 @@ bool ConnectionController::connect(const std::function<DeviceChoice()>& chooseDe
     if (!m_doc.bConnected)
         return false;
     m_doc.bFromFile = false;
-    Refresh(m_hooks, kRefreshConnection);
+    Refresh(m_hooks, RefreshCode::Connection);
     const std::string detectorPath = DetectorPathFor(choice.type, choice.path);
     // A device of another type has no prefix to remember, but it is open all the same.
     m_doc.szDevicePath = detectorPath.empty() ? choice.path : detectorPath;
@@ -99,7 +99,7 @@ void ConnectionController::disconnect() {
     CloseMca(m_lib, m_doc);
     Call(m_hooks.closeDeviceWindows);
     SetRefreshTimer(m_hooks, false);
-    Refresh(m_hooks, kRefreshAll);
+    Refresh(m_hooks, RefreshCode::All);
 }
 
 void ConnectionController::exit() {

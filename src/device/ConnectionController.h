@@ -12,25 +12,21 @@
 #include "base/Messages.h"
 #include "device/DeviceLibrary.h"
 #include "device/DeviceSearch.h"
+#include "device/RefreshCode.h"
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
-
-// RefreshMainWindow update codes the connection asks for.
-constexpr int kRefreshAll = 0;         // disconnected: full refresh
-constexpr int kRefreshDeviceState = 1; // after OpenMca opened a device
-constexpr int kRefreshConnection = 4;  // after Connect: "Connected to ..." panel
 
 constexpr int kConnectIntervalMs = 500;   // tmrConnect
 constexpr int kConnectProgressSteps = 10; // pbConnect cycles through 0..9
 
 // What the connection asks of the main window; an empty hook is skipped.
 struct ConnectionHooks {
-    std::function<void(int code)> refreshMainWindow;   // RefreshMainWindow(code)
-    std::function<void()> displaySpectrumAndStatus;    // DisplaySpectrum + DisplayStatus
-    std::function<void()> refreshSettingsControls;     // MCA settings window from the record
-    std::function<void(bool enabled)> setRefreshTimer; // tmrRefresh
-    std::function<void()> closeDeviceWindows;          // settings and scope windows
+    std::function<void(RefreshCode code)> refreshMainWindow; // RefreshMainWindow(code)
+    std::function<void()> displaySpectrumAndStatus;          // DisplaySpectrum + DisplayStatus
+    std::function<void()> refreshSettingsControls;           // MCA settings window from the record
+    std::function<void(bool enabled)> setRefreshTimer;       // tmrRefresh
+    std::function<void()> closeDeviceWindows;                // settings and scope windows
     // After Connect: store DetectorPath ("" for a device type without a prefix) and save
     // the settings file (full save).
     std::function<void(const std::string& detectorPath)> rememberDetector;

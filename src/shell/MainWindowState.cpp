@@ -141,28 +141,28 @@ std::optional<std::string> MainWindowUpdate::panelText(StatusPanel panel) const 
     return text;
 }
 
-MainWindowUpdate RefreshMainWindow(int code, const MainWindowFlags& flags) {
+MainWindowUpdate RefreshMainWindow(RefreshCode code, const MainWindowFlags& flags) {
     UpdateBuilder u(flags);
     switch (code) {
-    case 0:
+    case RefreshCode::All:
         FullRefresh(u);
         break;
-    case 1:
+    case RefreshCode::DeviceState:
         DeviceState(u, false);
         break;
-    case 2:
+    case RefreshCode::Acquisition:
         AcquisitionState(u);
         break;
-    case 4:
+    case RefreshCode::Connection:
         ConnectionDetails(u);
         break;
-    case 8:
+    case RefreshCode::RoiSet:
         u.roiItems();
         break;
-    case 16:
+    case RefreshCode::OptionsBatch:
         OptionsAndBatch(u);
         break;
-    case 32:
+    case RefreshCode::LoadedFromFile:
         LoadedFromFile(u);
         break;
     default:

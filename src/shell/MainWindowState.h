@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "device/RefreshCode.h"
+
 namespace vexo {
 
 // The toolbar buttons, in toolbar order.
@@ -104,9 +106,10 @@ struct MainWindowUpdate {
 // nothing: the answer is empty (the menu update runs regardless).
 // After Open the main window refreshes with these update codes, in this order: the
 // spectrum loaded from a file, then options and batch.
-constexpr std::array<int, 2> kOpenRefreshCodes = {32, 16};
+constexpr std::array<RefreshCode, 2> kOpenRefreshCodes = {RefreshCode::LoadedFromFile,
+                                                          RefreshCode::OptionsBatch};
 
-MainWindowUpdate RefreshMainWindow(int code, const MainWindowFlags& flags);
+MainWindowUpdate RefreshMainWindow(RefreshCode code, const MainWindowFlags& flags);
 
 // "BATCH ON (Waiting : 2.5)", "BATCH ON" or "BATCH OFF".
 std::string BatchPanelText(const MainWindowFlags& flags);

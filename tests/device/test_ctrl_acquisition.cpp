@@ -22,7 +22,9 @@ struct Rig {
             throw std::runtime_error("the simulated device did not open");
         sim.messages.clear();
         AcquisitionHooks hooks;
-        hooks.refreshMainWindow = [this](int code) { codes.push_back(code); };
+        hooks.refreshMainWindow = [this](RefreshCode code) {
+            codes.push_back(static_cast<int>(code));
+        };
         hooks.connectionLost = [this] { ++lostCalls; };
         acq = std::make_unique<AcquisitionController>(*sim.lib, *sim.doc, sim.rois, sim.messages,
                                                       hooks, [this] { return clock; });
@@ -87,7 +89,7 @@ TEST(AcquisitionControl, ClearWhileStoppedMarksTheNextStartAsANewMeasurement) {
     EXPECT_DOUBLE_EQ(r.sim.doc->dtMeasured, 200.0);
     EXPECT_TRUE(r.acq->bAcqActive());
     EXPECT_FALSE(r.acq->bCleared());
-    EXPECT_EQ(r.codes, std::vector<int>{kRefreshAcquisition});
+    EXPECT_EQ(r.codes, std::vector<int>{2});
 
     // Stop and start again without a Clear: the same measurement goes on.
     EXPECT_TRUE(r.acq->stop());
@@ -156,7 +158,7 @@ TEST(AcquisitionControl, DeviceStopsAtItsPreset) {
         // The next tick notices the stop and asks for the stopped state.
         r.codes.clear();
         r.acq->tick();
-        EXPECT_EQ(r.codes, std::vector<int>{kRefreshAcquisition});
+        EXPECT_EQ(r.codes, std::vector<int>{2});
     }
 }
 

@@ -43,7 +43,9 @@ struct BatchRig {
             if (ok)
                 saved.push_back(path);
         };
-        bh.refreshMainWindow = [this](int code) { codes.push_back(code); };
+        bh.refreshMainWindow = [this](RefreshCode code) {
+            codes.push_back(static_cast<int>(code));
+        };
         bh.rememberBatchDir = [this](const std::string& dir) {
             RememberBatchDir(settings, dir, appDir(), sim.messages);
         };
@@ -319,7 +321,7 @@ TEST(BatchSequence, StopDuringTheWaitEndsTheWaitToo) {
     s.bBatchWait = true;
     s.lBatchWait = 30;
     r.batch->begin(s);
-    EXPECT_NE(std::find(r.codes.begin(), r.codes.end(), kRefreshOptionsBatch), r.codes.end());
+    EXPECT_NE(std::find(r.codes.begin(), r.codes.end(), 16), r.codes.end());
     while (!r.batch->bBatchWaiting() && r.passes < 200)
         r.pass();
     ASSERT_TRUE(r.batch->waitTimerEnabled());

@@ -34,7 +34,9 @@ struct HookLog {
 
     ConnectionHooks hooks() {
         ConnectionHooks h;
-        h.refreshMainWindow = [this](int code) { refreshCodes.push_back(code); };
+        h.refreshMainWindow = [this](RefreshCode code) {
+            refreshCodes.push_back(static_cast<int>(code));
+        };
         h.setRefreshTimer = [this](bool on) { refreshTimer.push_back(on); };
         h.refreshSettingsControls = [this] { ++settingsRefreshes; };
         h.displaySpectrumAndStatus = [this] { ++spectrumRefreshes; };
@@ -136,7 +138,7 @@ TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
     EXPECT_EQ(m_doc->szDeviceSerial, "10230417");
     EXPECT_EQ(m_settings.DetectorPath, "USB:KORV-10-001");
     EXPECT_EQ(m_doc->szDevicePath, "USB:KORV-10-001");
-    EXPECT_EQ(m_log.refreshCodes, (std::vector<int>{kRefreshDeviceState, kRefreshConnection}));
+    EXPECT_EQ(m_log.refreshCodes, (std::vector<int>{1, 4}));
     EXPECT_EQ(m_log.refreshTimer, (std::vector<bool>{true}));
     EXPECT_EQ(m_log.settingsRefreshes, 1);
     EXPECT_EQ(m_log.spectrumRefreshes, 1);
@@ -161,7 +163,7 @@ TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
     EXPECT_FALSE(m_doc->bConnected);
     EXPECT_EQ(m_log.windowsClosed, 1);
     EXPECT_EQ(m_log.refreshTimer.back(), false);
-    EXPECT_EQ(m_log.refreshCodes.back(), kRefreshAll);
+    EXPECT_EQ(m_log.refreshCodes.back(), 0);
     int32_t status = 0;
     EXPECT_LT(lib.getAcquisitionStatus(handle, status), 0); // the handle is gone
 

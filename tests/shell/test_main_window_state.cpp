@@ -39,7 +39,7 @@ TEST(ToolButtonKeys, RoundTripEveryKey) {
 TEST(RefreshMainWindow, FullRefreshDisconnectedNoFile) {
     MainWindowFlags f;
     f.szSpectrumID = "S1";
-    const MainWindowUpdate u = RefreshMainWindow(0, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::All, f);
     EXPECT_EQ(u.toolbarShown, true);
     EXPECT_EQ(Enabled(u, ToolButton::tbConnect), true);
     EXPECT_EQ(Enabled(u, ToolButton::tbDisconnect), false);
@@ -65,7 +65,7 @@ TEST(RefreshMainWindow, FullRefreshFromFileLogEnergyProcessing) {
     f.yScaleMode = 0;
     f.xUnitMode = 1;
     f.externalProcessing = true;
-    const MainWindowUpdate u = RefreshMainWindow(0, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::All, f);
     EXPECT_EQ(Enabled(u, ToolButton::tbSave), true);
     EXPECT_EQ(Enabled(u, ToolButton::tbPrint), true);
     EXPECT_EQ(u.button(ToolButton::tbLin).checked, false);
@@ -77,13 +77,13 @@ TEST(RefreshMainWindow, FullRefreshFromFileLogEnergyProcessing) {
 TEST(RefreshMainWindow, SqrtScaleLeavesBothScaleButtonsUp) {
     MainWindowFlags f;
     f.yScaleMode = 2;
-    const MainWindowUpdate u = RefreshMainWindow(1, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::DeviceState, f);
     EXPECT_EQ(u.button(ToolButton::tbLin).checked, false);
     EXPECT_EQ(u.button(ToolButton::tbLog).checked, false);
 }
 
 TEST(RefreshMainWindow, ConnectedIdleStartOnStopOff) {
-    const MainWindowUpdate u = RefreshMainWindow(1, Connected());
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::DeviceState, Connected());
     EXPECT_EQ(Enabled(u, ToolButton::tbStart), true);
     EXPECT_EQ(Enabled(u, ToolButton::tbStop), false);
     EXPECT_EQ(Enabled(u, ToolButton::tbConnect), false);
@@ -96,7 +96,7 @@ TEST(RefreshMainWindow, ConnectedIdleStartOnStopOff) {
 }
 
 TEST(RefreshMainWindow, DeviceStateDisconnectedStillEnablesSave) {
-    const MainWindowUpdate u = RefreshMainWindow(1, MainWindowFlags{});
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::DeviceState, MainWindowFlags{});
     EXPECT_EQ(Enabled(u, ToolButton::tbSave), true);
     EXPECT_EQ(Enabled(u, ToolButton::tbPrint), true);
     EXPECT_EQ(Enabled(u, ToolButton::tbConnect), true);
@@ -109,7 +109,7 @@ TEST(RefreshMainWindow, BatchWaitingKeepsStartOff) {
     f.batchWaiting = true;
     f.acquiring = false;
     for (int code : {1, 2, 4}) {
-        const MainWindowUpdate u = RefreshMainWindow(code, f);
+        const MainWindowUpdate u = RefreshMainWindow(static_cast<RefreshCode>(code), f);
         EXPECT_EQ(Enabled(u, ToolButton::tbStart), false) << code;
         EXPECT_EQ(Enabled(u, ToolButton::tbStop), true) << code;
     }
@@ -118,7 +118,7 @@ TEST(RefreshMainWindow, BatchWaitingKeepsStartOff) {
 TEST(RefreshMainWindow, AcquisitionCodeTouchesOnlyStartStopClear) {
     MainWindowFlags f = Connected();
     f.acquiring = true;
-    const MainWindowUpdate u = RefreshMainWindow(2, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::Acquisition, f);
     EXPECT_EQ(Enabled(u, ToolButton::tbStart), false);
     EXPECT_EQ(Enabled(u, ToolButton::tbStop), true);
     EXPECT_EQ(Enabled(u, ToolButton::tbClear), true);
@@ -131,13 +131,13 @@ TEST(RefreshMainWindow, AcquisitionCodeTouchesOnlyStartStopClear) {
 TEST(RefreshMainWindow, ConnectionDetailsPanelAndOpen) {
     MainWindowFlags f = Connected();
     f.roiCount = 2;
-    const MainWindowUpdate u = RefreshMainWindow(4, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::Connection, f);
     EXPECT_EQ(u.panelText(StatusPanel::Connection), "Connected to KORV-1 S/N 0042");
     EXPECT_EQ(Enabled(u, ToolButton::tbOpen), false);
     EXPECT_EQ(Enabled(u, ToolButton::tbSave), true);
     EXPECT_EQ(u.roiItemsEnabled, true);
 
-    const MainWindowUpdate off = RefreshMainWindow(4, MainWindowFlags{});
+    const MainWindowUpdate off = RefreshMainWindow(RefreshCode::Connection, MainWindowFlags{});
     EXPECT_EQ(Enabled(off, ToolButton::tbOpen), true);
     EXPECT_EQ(Enabled(off, ToolButton::tbSave), false);
     EXPECT_EQ(off.roiItemsEnabled, false);
@@ -146,18 +146,18 @@ TEST(RefreshMainWindow, ConnectionDetailsPanelAndOpen) {
 TEST(RefreshMainWindow, RoiCodeOnlySetsRoiItems) {
     MainWindowFlags f;
     f.roiCount = 1;
-    const MainWindowUpdate u = RefreshMainWindow(8, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::RoiSet, f);
     EXPECT_EQ(u.roiItemsEnabled, true);
     for (int i = 0; i < kToolButtonCount; ++i)
         EXPECT_FALSE(u.buttons[i].enabled.has_value());
     f.roiCount = 0;
-    EXPECT_EQ(RefreshMainWindow(8, f).roiItemsEnabled, false);
+    EXPECT_EQ(RefreshMainWindow(RefreshCode::RoiSet, f).roiItemsEnabled, false);
 }
 
 TEST(RefreshMainWindow, OptionsAndBatchPanels) {
     MainWindowFlags f;
     f.externalProcessing = true;
-    MainWindowUpdate u = RefreshMainWindow(16, f);
+    MainWindowUpdate u = RefreshMainWindow(RefreshCode::OptionsBatch, f);
     EXPECT_EQ(u.button(ToolButton::tbProcess).visible, true);
     EXPECT_EQ(u.panelText(StatusPanel::Batch), "BATCH OFF");
     EXPECT_EQ(u.panelText(StatusPanel::BatchCounter), "");
@@ -165,14 +165,14 @@ TEST(RefreshMainWindow, OptionsAndBatchPanels) {
     f.batchOn = true;
     f.batchDone = 3;
     f.batchCount = 10;
-    u = RefreshMainWindow(16, f);
+    u = RefreshMainWindow(RefreshCode::OptionsBatch, f);
     EXPECT_EQ(u.panelText(StatusPanel::Batch), "BATCH ON");
     EXPECT_EQ(u.panelText(StatusPanel::BatchCounter), "Acq. done: 3 of 10");
 
     f.batchWaiting = true;
     f.batchWaitRemaining = 2.5f;
     f.batchUntilStop = true;
-    u = RefreshMainWindow(16, f);
+    u = RefreshMainWindow(RefreshCode::OptionsBatch, f);
     EXPECT_EQ(u.panelText(StatusPanel::Batch), "BATCH ON (Waiting : 2.5)");
     EXPECT_EQ(u.panelText(StatusPanel::BatchCounter), "Acq. done: 3");
 }
@@ -184,7 +184,7 @@ TEST(RefreshMainWindow, OpenWhileConnectedDisablesStop) {
     f.szFileName = "cs137.spe";
     f.szSpectrumID = "Cs-137 test";
     f.countRate = 123.44f;
-    const MainWindowUpdate u = RefreshMainWindow(32, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::LoadedFromFile, f);
     EXPECT_EQ(Enabled(u, ToolButton::tbStop), false);
     EXPECT_EQ(Enabled(u, ToolButton::tbStart), true);
     EXPECT_EQ(Enabled(u, ToolButton::tbOpen), true);
@@ -199,7 +199,7 @@ TEST(RefreshMainWindow, OpenWhileConnectedDisablesStop) {
 TEST(RefreshMainWindow, OpenWhileDisconnected) {
     MainWindowFlags f;
     f.bFromFile = true;
-    const MainWindowUpdate u = RefreshMainWindow(32, f);
+    const MainWindowUpdate u = RefreshMainWindow(RefreshCode::LoadedFromFile, f);
     EXPECT_EQ(Enabled(u, ToolButton::tbStart), false);
     EXPECT_EQ(Enabled(u, ToolButton::tbClear), false);
     EXPECT_EQ(Enabled(u, ToolButton::tbSave), true);
@@ -208,7 +208,7 @@ TEST(RefreshMainWindow, OpenWhileDisconnected) {
 
 TEST(RefreshMainWindow, UnknownCodeChangesNothing) {
     for (int code : {-1, 3, 5, 64, 100}) {
-        const MainWindowUpdate u = RefreshMainWindow(code, Connected());
+        const MainWindowUpdate u = RefreshMainWindow(static_cast<RefreshCode>(code), Connected());
         EXPECT_TRUE(u.panels.empty());
         EXPECT_FALSE(u.toolbarShown.has_value());
         EXPECT_FALSE(u.roiItemsEnabled.has_value());

@@ -79,8 +79,8 @@ void TopLevel::startUp() {
         p->setGraphType(m_settings.SpctGraphType);
     }
     createControllers();
-    RefreshMainWindow(0);
-    RefreshMainWindow(16);
+    RefreshMainWindow(RefreshCode::All);
+    RefreshMainWindow(RefreshCode::OptionsBatch);
     DisplaySpectrum();
     UpdateInfo();
     if (m_settings.OpenLastDetectorUsed)
@@ -151,7 +151,7 @@ MainWindowFlags TopLevel::flags() const {
     return f;
 }
 
-void TopLevel::RefreshMainWindow(int code) {
+void TopLevel::RefreshMainWindow(RefreshCode code) {
     applyUpdate(vexo::RefreshMainWindow(code, flags()));
     UpdateMenu();
 }

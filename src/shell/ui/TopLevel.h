@@ -49,7 +49,7 @@ public:
     ~TopLevel() override;
 
     // The public operations the dialogs and controllers use.
-    void RefreshMainWindow(int code);
+    void RefreshMainWindow(RefreshCode code);
     void UpdateMenu();
     void DisplaySpectrum(); // hand the counts to both plots and redraw
     void Calibrate();
@@ -100,6 +100,8 @@ public:
     // A menu item or toolbar button by its key ("mnuFileOpen", "tbStart").
     QAction* action(const QString& key) const;
     QString panelText(StatusPanel panel) const;
+    // The ROI read-out: 0 net area, 1 integral, 2 net rate, 3 integral rate.
+    QString roiReadoutText(int index) const;
     QLabel* panel(StatusPanel panel) const { return m_panels[static_cast<int>(panel)]; }
     QStringList infoTexts() const; // cursor read-out lines and the ROI panel
     QLineEdit* spectrumIdBox() const { return m_txtSpectrumID; }

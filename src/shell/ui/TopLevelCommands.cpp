@@ -57,7 +57,7 @@ bool TopLevel::openSpectrum(const QString& path) {
     setWindowTitle("Vexo - " + QString::fromStdString(m_doc.szFileName));
     addRecentFile(path);
     m_zoom = {false, 0, m_doc.lChannels - 1};
-    for (int code : kOpenRefreshCodes)
+    for (RefreshCode code : kOpenRefreshCodes)
         RefreshMainWindow(code);
     if (m_xUnit != XUnit::Channels)
         Calibrate(); // the axis follows the new calibration
@@ -233,7 +233,7 @@ void TopLevel::mnuROISave() {
 void TopLevel::mnuROIClearAll() {
     m_rois.clear();
     m_doc.plot.rois.clear();
-    RefreshMainWindow(8);
+    RefreshMainWindow(RefreshCode::RoiSet);
     DisplaySpectrum();
 }
 
@@ -277,7 +277,7 @@ void TopLevel::showPreferences() {
         p->setAppearance(AppearanceFrom(m_settings));
     setYScale(m_settings.SpctScaleMode);
     setGraphType(m_settings.SpctGraphType);
-    RefreshMainWindow(16); // the processing button follows its setting
+    RefreshMainWindow(RefreshCode::OptionsBatch); // the processing button follows its setting
 }
 
 void TopLevel::mnuHelpAbout() {

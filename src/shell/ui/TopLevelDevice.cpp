@@ -35,13 +35,16 @@ void TopLevel::createControllers() {
     m_lib = std::move(load.library);
 
     AcquisitionHooks ah;
-    ah.refreshMainWindow = [this](int code) {
+    ah.refreshMainWindow = [this](RefreshCode code) {
         RefreshMainWindow(code);
         showAcquisitionTexts();
     };
-    ah.spectrumRead = [this] {
-        DisplaySpectrum();
-        UpdateInfo();
+    // One redraw per pass, once the spectrum, the status and the ROI figures are all new.
+    ah.updated = [this](const AcquisitionUpdate& update) {
+        if (update.spectrumRead) {
+            DisplaySpectrum();
+            UpdateInfo();
+        }
         showAcquisitionTexts();
     };
     // The same clean-up as Disconnect: the device windows would talk to a closed handle.
@@ -52,7 +55,7 @@ void TopLevel::createControllers() {
             m_scopeWindow->close();
         if (m_settingsWindow)
             m_settingsWindow->close();
-        RefreshMainWindow(0);
+        RefreshMainWindow(RefreshCode::All);
     };
     ah.scopeCycle = [this] {
         if (m_scopeWindow && m_scopeWindow->isVisible())
@@ -61,13 +64,10 @@ void TopLevel::createControllers() {
     m_acq = std::make_unique<AcquisitionController>(*m_lib, m_doc, m_rois, *m_messages, ah);
 
     ConnectionHooks ch;
-    ch.refreshMainWindow = [this](int code) { RefreshMainWindow(code); };
+    ch.refreshMainWindow = [this](RefreshCode code) { RefreshMainWindow(code); };
     ch.displaySpectrumAndStatus = [this] {
         m_acq->deviceConnected();
-        m_acq->DisplayStatus();
-        m_acq->DisplaySpectrum();
-        DisplaySpectrum();
-        showAcquisitionTexts();
+        m_acq->showDevice();
     };
     ch.closeDeviceWindows = [this] {
         if (m_scopeWindow)
@@ -87,7 +87,7 @@ void TopLevel::createControllers() {
     m_autoConnect = std::make_unique<AutoConnect>(*m_lib, m_doc, *m_messages, ch);
 
     BatchHooks bh;
-    bh.refreshMainWindow = [this](int code) {
+    bh.refreshMainWindow = [this](RefreshCode code) {
         RefreshMainWindow(code);
         showAcquisitionTexts();
     };
@@ -129,7 +129,7 @@ void TopLevel::tmrConnect() {
     if (!m_autoConnect->timerEnabled())
         m_tmrConnect.stop();
     if (m_doc.hDevice != 0)
-        RefreshMainWindow(4);
+        RefreshMainWindow(RefreshCode::Connection);
 }
 
 void TopLevel::showAcquisitionTexts() {
@@ -185,6 +185,10 @@ void TopLevel::showRoiReadout() {
         m_roiLabels[k]->setText(QString::fromStdString(texts[k]));
 }
 
+QString TopLevel::roiReadoutText(int index) const {
+    return m_roiLabels.at(static_cast<std::size_t>(index))->text();
+}
+
 void TopLevel::connectDevice() {
     if (!needDevice())
         return;
@@ -202,7 +206,7 @@ void TopLevel::disconnectDevice() {
         return;
     m_tmrBatchWait.stop();
     m_connection->disconnect();
-    RefreshMainWindow(0);
+    RefreshMainWindow(RefreshCode::All);
 }
 
 void TopLevel::startAcquisition() {
@@ -238,7 +242,7 @@ void TopLevel::showBatch() {
         initial, *m_messages,
         [this](const BatchSettings& s) {
             m_batch->begin(s);
-            RefreshMainWindow(16);
+            RefreshMainWindow(RefreshCode::OptionsBatch);
             showAcquisitionTexts();
         },
         this);

@@ -24,6 +24,7 @@
 #include "device/ui/frmBatch.h"
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
+#include "roi/RoiReadout.h"
 #include "shell/ui/TopLevel.h"
 #include "spectrum/ui/calib.h"
 
@@ -153,6 +154,32 @@ private slots:
             QCOMPARE(w.document().lCounts[ch], counts[ch]);
         QVERIFY2(m_messages.shown().empty(),
                  m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    // Each tick's ROI read-out shows the figures of the spectrum read in that tick, not
+    // those of the tick before.
+    void roiReadoutShowsTheSpectrumOfItsOwnTick() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        clsROI roi;
+        roi.set_vntID("Cs");
+        roi.set_lROILCh(150);
+        roi.set_lROIRCh(400);
+        w.rois().add(roi);
+        w.action("mnuMCAStart")->trigger();
+        for (int tick = 1; tick <= 3; ++tick) {
+            w.acquisition()->tick();
+            clsROI expected = roi;
+            const RoiReadout r = UpdateCompROI(expected, w.document().sngLiveTime, w.document());
+            QVERIFY(r.ok);
+            QCOMPARE(w.roiReadoutText(0), QString::fromStdString(r.netArea));
+            QCOMPARE(w.roiReadoutText(1), QString::fromStdString(r.integral));
+            QCOMPARE(w.roiReadoutText(3), QString::fromStdString(r.intRate));
+        }
+        w.action("mnuMCAStop")->trigger();
+        w.action("mnuFileDisconnect")->trigger();
     }
 
     // The calibration kept in the device: edited in the MCA settings window, written by

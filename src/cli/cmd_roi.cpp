@@ -7,7 +7,6 @@
 #include "CliCommand.h"
 #include "CliHelpers.h"
 #include "base/NumberText.h"
-#include "base/VexoError.h"
 #include "roi/RoiFile.h"
 #include "roi/RoiReadout.h"
 #include "roi/clsROI.h"
@@ -68,30 +67,7 @@ Options ParseOptions(const std::vector<std::string>& args) {
     return o;
 }
 
-struct Analysis {
-    bool ok = false;
-    std::string error; // the raised error's text; empty when none was raised
-    int16_t nBkgChn = 0;
-    RoiRates rates;
-};
-
-Analysis Analyse(clsROI& roi, float sTime, const SpectrumDocument& doc) {
-    Analysis a;
-    // An analysis that raises is reported for that ROI; the others still run.
-    try {
-        a.ok = roi.bComputeROI(sTime, a.nBkgChn, doc.lCounts.data(), doc.lCounts.size(),
-                               doc.calibration, a.rates);
-    } catch (const OverflowError& e) {
-        a.error = e.what();
-    } catch (const FloatingPointError& e) {
-        a.error = e.what();
-    } catch (const SubscriptError& e) {
-        a.error = e.what();
-    }
-    return a;
-}
-
-nlohmann::ordered_json AnalysisJson(const clsROI& r, const Analysis& a) {
+nlohmann::ordered_json AnalysisJson(const clsROI& r, const RoiAnalysis& a) {
     nlohmann::ordered_json j;
     j["ok"] = a.ok;
     j["error"] =
@@ -119,7 +95,7 @@ nlohmann::ordered_json AnalysisJson(const clsROI& r, const Analysis& a) {
     return j;
 }
 
-void PrintText(std::size_t number, const clsROI& r, const Analysis& a) {
+void PrintText(std::size_t number, const clsROI& r, const RoiAnalysis& a) {
     std::printf("ROI %zu: channels %d-%d\n", number, r.lROILCh(), r.lROIRCh());
     if (!a.ok) {
         std::printf("  analysis failed%s%s\n", a.error.empty() ? "" : ": ", a.error.c_str());
@@ -156,7 +132,7 @@ int Run(const std::vector<std::string>& args) {
     const float sTime = o.time.value_or(doc.sngLiveTime);
     nlohmann::ordered_json results = nlohmann::ordered_json::array();
     for (std::size_t i = 0; i < rois.size(); ++i) {
-        Analysis a = Analyse(rois[i], sTime, doc);
+        const RoiAnalysis a = AnalyseRoi(rois[i], sTime, doc);
         if (o.json)
             results.push_back(AnalysisJson(rois[i], a));
         else

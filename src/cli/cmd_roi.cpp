@@ -32,9 +32,7 @@ struct Options {
 };
 
 clsROI RoiFromArg(const std::string& text) {
-    std::vector<std::string> parts = SplitArg(text, ':');
-    if (parts.size() != 2)
-        throw UsageError{"--roi needs L:R, got '" + text + "'"};
+    std::vector<std::string> parts = SplitArg(text, ':', 2, "--roi needs L:R, got '" + text + "'");
     clsROI roi;
     roi.set_lROILCh(IntegerArg(parts[0], "--roi L"));
     roi.set_lROIRCh(IntegerArg(parts[1], "--roi R"));
@@ -44,9 +42,7 @@ clsROI RoiFromArg(const std::string& text) {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    ArgCursor cursor(args);
-    while (!cursor.done()) {
-        const std::string& arg = cursor.next();
+    o.file = ParseArgsAndFile(args, [&](const std::string& arg, ArgCursor& cursor) {
         if (arg == "--roi")
             o.rois.push_back(RoiFromArg(cursor.value(arg)));
         else if (arg == "--roi-file")
@@ -55,15 +51,10 @@ Options ParseOptions(const std::vector<std::string>& args) {
             o.time = static_cast<float>(NumberArg(cursor.value(arg), "--time"));
         else if (arg == "--json")
             o.json = true;
-        else if (!arg.empty() && arg[0] == '-')
-            throw UsageError{"unknown option " + arg};
-        else if (o.file.empty())
-            o.file = arg;
         else
-            throw UsageError{"only one FILE may be given"};
-    }
-    if (o.file.empty())
-        throw UsageError{"FILE is required"};
+            return false;
+        return true;
+    });
     return o;
 }
 

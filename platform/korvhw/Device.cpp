@@ -16,22 +16,7 @@ namespace {
 // scope trace never changes the spectrum a seed gives.
 constexpr uint64_t kPhysicsStream = 1, kFaultStream = 2, kScopeStream = 3;
 
-bool ReadOnly(int32_t id) {
-    switch (id) {
-    case 0:
-    case 1:
-    case 2:
-    case 3:
-    case 4:
-    case 27:
-    case 35:
-    case 42:
-    case 44:
-        return true;
-    default:
-        return false;
-    }
-}
+using P = ParamId;
 
 } // namespace
 
@@ -98,32 +83,32 @@ int32_t Device::checkId(int32_t id) const {
 }
 
 int32_t Device::liveValue(int32_t id, ParamValue& out) const {
-    switch (id) {
-    case 0:
+    switch (AsParam(id)) {
+    case P::DeviceName:
         out.text = m_setup.name;
         return kOk;
-    case 1:
+    case P::SerialNumber:
         out.text = m_setup.serial;
         return kOk;
-    case 2:
+    case P::FirmwareVersion:
         out.text = m_setup.firmware;
         return kOk;
-    case 3:
+    case P::FirmwareDate:
         out.text = m_setup.firmwareDate;
         return kOk;
-    case 4:
+    case P::ProductionDate:
         out.text = m_setup.productionDate;
         return kOk;
-    case 27:
+    case P::McsCurrentChannel:
         out.integer = m_acq.mcsChannel();
         return kOk;
-    case 35:
+    case P::InputCounts:
         out.integer = static_cast<int32_t>(std::min<uint64_t>(m_acq.inputCounts(), INT32_MAX));
         return kOk;
-    case 42:
+    case P::ClockHz:
         out.integer = m_setup.clockHz;
         return kOk;
-    case 44:
+    case P::MaxHV:
         out.integer = static_cast<int32_t>(std::lround(m_setup.maxHV * 10.0));
         return kOk;
     default:
@@ -135,9 +120,9 @@ int32_t Device::getParam(double now, int32_t id, ParamValue& out) {
     if (const int32_t check = checkId(id); check != kOk)
         return check;
     advance(now);
-    if (ReadOnly(id))
+    if (IsReadOnly(id))
         return liveValue(id, out);
-    if (id == 22) {
+    if (AsParam(id) == P::HVState) {
         out.integer = hvWord(now);
         return kOk;
     }
@@ -147,12 +132,12 @@ int32_t Device::getParam(double now, int32_t id, ParamValue& out) {
 int32_t Device::setParam(double now, int32_t id, const ParamValue& in) {
     if (const int32_t check = checkId(id); check != kOk)
         return check;
-    if (ReadOnly(id))
+    if (IsReadOnly(id))
         return kNotSupported;
     advance(now);
     const DeviceSettings before = m_settings;
     ParamValue value = in;
-    if (id == 22)
+    if (AsParam(id) == P::HVState)
         value.integer &= 1; // ramping and inhibit bits are the device's to report
     const int32_t result = WriteSetting(m_settings, m_traits, maxHV(), id, value);
     if (result == kOk)
@@ -161,14 +146,16 @@ int32_t Device::setParam(double now, int32_t id, const ParamValue& in) {
 }
 
 void Device::afterWrite(int32_t id, double now, const DeviceSettings& before) {
+    const ParamId p = AsParam(id);
     const bool wasOn = (before.hvOn & 1) != 0, isOn = (m_settings.hvOn & 1) != 0;
     // Switching on, or moving the voltage while on, starts a new ramp.
-    if ((id == 22 && isOn && !wasOn) ||
-        (id == 21 && isOn && std::fabs(m_settings.highVoltage - before.highVoltage) > 0.5f))
+    if ((p == P::HVState && isOn && !wasOn) ||
+        (p == P::HighVoltage && isOn &&
+         std::fabs(m_settings.highVoltage - before.highVoltage) > 0.5f))
         m_hvSettledAt = now + std::max(0.0, m_setup.hvRampSeconds);
-    if ((id == 6 || id == 26) && m_settings.channels != before.channels)
+    if ((p == P::Channels || p == P::McsChannels) && m_settings.channels != before.channels)
         m_acq.clearMemory(); // memory is re-partitioned, as the hardware does
-    if (id == 5 && m_settings.acqMode != before.acqMode && m_acq.running())
+    if (p == P::AcqMode && m_settings.acqMode != before.acqMode && m_acq.running())
         m_acq.stop(); // a run cannot change its kind half way
 }
 

@@ -32,8 +32,8 @@ double Device::maxHV() const {
 }
 
 bool Device::inhibited() const {
-    // Models with id 51 honour the inhibit input only when it is enabled there.
-    const bool enabled = !m_traits.supports(51) || (m_settings.hvInhibit & 1) != 0;
+    // Models with an HVInhibit parameter honour the inhibit input only when it is enabled there.
+    const bool enabled = !m_traits.supports(ParamId::HVInhibit) || (m_settings.hvInhibit & 1) != 0;
     return m_setup.hvInhibitInput && enabled;
 }
 
@@ -120,7 +120,8 @@ AcquisitionConditions Device::conditions() {
     c.presetCounts = s.presetCounts;
     // Without its own window registers the counts preset counts between the
     // discriminators.
-    const bool ownWindow = m_traits.supports(31) && m_traits.supports(32);
+    const bool ownWindow =
+        m_traits.supports(ParamId::PresetFirstCh) && m_traits.supports(ParamId::PresetLastCh);
     c.presetFirst = ownWindow ? s.presetFirst : s.lld;
     c.presetLast = ownWindow ? s.presetLast : s.uld;
     return c;

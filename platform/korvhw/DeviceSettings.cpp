@@ -1,6 +1,8 @@
 #include "DeviceSettings.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "StatusCodes.h"
 
@@ -21,83 +23,108 @@ bool InRange(int32_t v, int32_t lo, int32_t hi) {
     return v >= lo && v <= hi;
 }
 
+using P = ParamId;
+
 // Integer ids with a plain inclusive range; the rest are handled case by case.
 struct IntRange {
-    int32_t id, lo, hi;
+    ParamId id;
+    int32_t lo, hi;
 };
 constexpr IntRange kRanges[] = {
-    {5, 0, 1},      {7, 0, kTopChannel},  {8, 0, kTopChannel},  {10, 0, 0xFFFF},
-    {12, 0, 10},    {13, 0, 7},           {15, 1, 1023},        {16, 0, 1023},
-    {17, 0, 65535}, {18, 0, kTopChannel}, {24, 0, 7},           {28, 0, INT32_MAX},
-    {30, 0, 15},    {31, 0, kTopChannel}, {32, 0, kTopChannel}, {36, 0, 4095},
-    {39, 0, 7},     {40, 0, 7},           {41, -512, 511},      {50, 0, 3},
+    {P::AcqMode, 0, 1},
+    {P::LLD, 0, kTopChannel},
+    {P::ULD, 0, kTopChannel},
+    {P::PresetModeLegacy, 0, 0xFFFF},
+    {P::DigitalGain, 0, 10},
+    {P::CoarseGain, 0, 7},
+    {P::RiseTime, 1, 1023},
+    {P::FlatTop, 0, 1023},
+    {P::PoleZero, 0, 65535},
+    {P::Threshold, 0, kTopChannel},
+    {P::ScopeControl, 0, 7},
+    {P::PresetCounts, 0, INT32_MAX},
+    {P::PresetMode, 0, 15},
+    {P::PresetFirstCh, 0, kTopChannel},
+    {P::PresetLastCh, 0, kTopChannel},
+    {P::AnalogPZ, 0, 4095},
+    {P::PURGuard, 0, 7},
+    {P::TRPGuard, 0, 7},
+    {P::LTTrim, -512, 511},
+    {P::BLRRate, 0, 3},
 };
+
+// Ids that hold different fields in PHA and MCS mode.
+constexpr ParamId kModeDependent[] = {P::LLD, P::ULD, P::PresetValue};
+
+bool IsModeDependent(ParamId id) {
+    return std::ranges::find(kModeDependent, id) != std::end(kModeDependent);
+}
 
 int32_t* IntegerField(DeviceSettings& s, int32_t id) {
     const bool mcs = s.acqMode != 0;
-    switch (id) {
-    case 5:
+    switch (AsParam(id)) {
+    case P::AcqMode:
         return &s.acqMode;
-    case 6:
-    case 26:
+    case P::Channels:
+    case P::McsChannels:
         return &s.channels;
-    case 7:
+    case P::LLD:
         return mcs ? &s.scaLow : &s.lld;
-    case 8:
+    case P::ULD:
         return mcs ? &s.scaHigh : &s.uld;
-    case 10:
+    case P::PresetModeLegacy:
         return &s.legacyPreset;
-    case 11:
+    case P::Polarity:
         return &s.polarity;
-    case 12:
+    case P::DigitalGain:
         return &s.digitalGain;
-    case 13:
+    case P::CoarseGain:
         return &s.coarseGain;
-    case 14:
+    case P::FineGain:
         return &s.fineGain;
-    case 15:
+    case P::RiseTime:
         return &s.riseTime;
-    case 16:
+    case P::FlatTop:
         return &s.flatTop;
-    case 17:
+    case P::PoleZero:
         return &s.poleZero;
-    case 18:
+    case P::Threshold:
         return &s.threshold;
-    case 19:
+    case P::BLR:
         return &s.blr;
-    case 20:
+    case P::PUR:
         return &s.pur;
-    case 22:
+    case P::HVState:
         return &s.hvOn;
-    case 23:
+    case P::ConnectFlags:
         return &s.connectFlags;
-    case 24:
+    case P::ScopeControl:
         return &s.scopeControl;
-    case 28:
+    case P::PresetCounts:
         return &s.presetCounts;
-    case 30:
+    case P::PresetMode:
         return &s.presetMode;
-    case 31:
+    case P::PresetFirstCh:
         return &s.presetFirst;
-    case 32:
+    case P::PresetLastCh:
         return &s.presetLast;
-    case 34:
+    case P::GpioLegacy:
         return &s.gpioLegacy;
-    case 36:
+    case P::AnalogPZ:
         return &s.analogPZ;
-    case 39:
+    case P::PURGuard:
         return &s.purGuard;
-    case 40:
+    case P::TRPGuard:
         return &s.trpGuard;
-    case 41:
+    case P::LTTrim:
         return &s.ltTrim;
-    case 48:
+    case P::Gpio1:
         return &s.gpio1;
-    case 49:
+    case P::Gpio2:
         return &s.gpio2;
-    case 50:
+    case P::BLRRate:
         return &s.blrRate;
-    case 51:
+    case P::HVInhibit:
         return &s.hvInhibit;
     default:
         return nullptr;
@@ -106,19 +133,19 @@ int32_t* IntegerField(DeviceSettings& s, int32_t id) {
 
 int32_t CheckInteger(const ModelTraits& traits, int32_t id, int32_t v) {
     for (const IntRange& r : kRanges)
-        if (r.id == id)
+        if (r.id == AsParam(id))
             return InRange(v, r.lo, r.hi) ? kOk : kOutOfRange;
-    switch (id) {
-    case 6:
-    case 26:
+    switch (AsParam(id)) {
+    case P::Channels:
+    case P::McsChannels:
         return IsChannelCount(v) ? kOk : kOutOfRange;
-    case 14:
+    case P::FineGain:
         return InRange(v, 0, traits.fineGainMax) ? kOk : kOutOfRange;
     // Function code in bits 0-6, polarity in bits 15 and up; bits 7-14 must be clear.
-    case 48:
-    case 49:
+    case P::Gpio1:
+    case P::Gpio2:
         return (v & 0x7F80) == 0 ? kOk : kOutOfRange;
-    case 51:
+    case P::HVInhibit:
         return (v & 0x7FFE) == 0 ? kOk : kOutOfRange;
     default:
         return kOk; // switches: any value, non-zero meaning on
@@ -140,20 +167,34 @@ DeviceSettings FactoryDefaults(const DeviceSetup& setup, const ModelTraits& trai
 }
 
 ParamKind KindOf(int32_t id) {
-    switch (id) {
-    case 0:
-    case 1:
-    case 2:
-    case 3:
-    case 4:
+    switch (AsParam(id)) {
+    case P::DeviceName:
+    case P::SerialNumber:
+    case P::FirmwareVersion:
+    case P::FirmwareDate:
+    case P::ProductionDate:
         return ParamKind::Text;
-    case 9:
-    case 21:
+    case P::PresetValue:
+    case P::HighVoltage:
         return ParamKind::Real;
-    case 25:
+    case P::DeviceCalibration:
         return ParamKind::Triple;
     default:
         return ParamKind::Integer;
+    }
+}
+
+bool IsReadOnly(int32_t id) {
+    if (KindOf(id) == ParamKind::Text)
+        return true;
+    switch (AsParam(id)) {
+    case P::McsCurrentChannel:
+    case P::InputCounts:
+    case P::ClockHz:
+    case P::MaxHV:
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -169,14 +210,14 @@ int32_t WireSize(int32_t id) {
 }
 
 int32_t ReadSetting(const DeviceSettings& s, int32_t id, ParamValue& out) {
-    switch (id) {
-    case 9:
+    switch (AsParam(id)) {
+    case P::PresetValue:
         out.real = s.acqMode != 0 ? s.dwellTime : s.presetTime;
         return kOk;
-    case 21:
+    case P::HighVoltage:
         out.real = s.highVoltage;
         return kOk;
-    case 25:
+    case P::DeviceCalibration:
         out.triple = s.calibration;
         return kOk;
     default:
@@ -191,8 +232,8 @@ int32_t ReadSetting(const DeviceSettings& s, int32_t id, ParamValue& out) {
 
 int32_t WriteSetting(DeviceSettings& s, const ModelTraits& traits, double maxHV, int32_t id,
                      const ParamValue& in) {
-    switch (id) {
-    case 9: {
+    switch (AsParam(id)) {
+    case P::PresetValue: {
         const bool mcs = s.acqMode != 0;
         const double lo = mcs ? 0.001 : 0.0, hi = mcs ? 1.0e5 : 1.0e7;
         if (!std::isfinite(in.real) || in.real < lo || in.real > hi)
@@ -200,12 +241,12 @@ int32_t WriteSetting(DeviceSettings& s, const ModelTraits& traits, double maxHV,
         (mcs ? s.dwellTime : s.presetTime) = in.real;
         return kOk;
     }
-    case 21:
+    case P::HighVoltage:
         if (!std::isfinite(in.real) || in.real < 0.0f || in.real > maxHV)
             return kOutOfRange;
         s.highVoltage = in.real;
         return kOk;
-    case 25:
+    case P::DeviceCalibration:
         for (float v : in.triple)
             if (!std::isfinite(v))
                 return kOutOfRange;
@@ -232,17 +273,17 @@ DeviceSettings Sanitised(const DeviceSettings& loaded, const DeviceSettings& def
                          const ModelTraits& traits, double maxHV) {
     DeviceSettings out = defaults;
     ParamValue v;
-    // Ids 7, 8 and 9 hold different fields in PHA and MCS mode: copy both sets.
+    // Copy both the PHA and the MCS fields of the mode-dependent ids.
     for (int32_t mode : {0, 1}) {
         DeviceSettings view = loaded;
         view.acqMode = out.acqMode = mode;
-        for (int32_t id : {7, 8, 9})
-            if (ReadSetting(view, id, v) == kOk)
-                WriteSetting(out, traits, maxHV, id, v);
+        for (ParamId id : kModeDependent)
+            if (ReadSetting(view, ToInt(id), v) == kOk)
+                WriteSetting(out, traits, maxHV, ToInt(id), v);
     }
     out.acqMode = 0;
-    for (int32_t id = 5; id <= kHighestParamId; ++id) {
-        if (id == 7 || id == 8 || id == 9 || id == 27 || id == 35 || !IsKnownParamId(id))
+    for (int32_t id = 0; id <= kHighestParamId; ++id) {
+        if (IsModeDependent(AsParam(id)) || IsReadOnly(id) || !IsKnownParamId(id))
             continue;
         if (ReadSetting(loaded, id, v) == kOk)
             WriteSetting(out, traits, maxHV, id, v); // out-of-range values keep the default

@@ -11,36 +11,36 @@
 namespace korvsim {
 
 struct DeviceSettings {
-    int32_t acqMode = 0;                 // id 5: 0 PHA, 1 MCS
-    int32_t channels = 1024;             // ids 6 and 26
-    int32_t lld = 0, uld = 16383;        // ids 7/8 in PHA mode, channels
-    int32_t scaLow = 0, scaHigh = 16383; // ids 7/8 in MCS mode, channels
-    float presetTime = 0.0f;             // id 9 in PHA mode, seconds (0 = no time preset)
-    float dwellTime = 1.0f;              // id 9 in MCS mode, seconds per channel
-    int32_t legacyPreset = 0;            // id 10: bit 0 = live time
-    int32_t polarity = 0;                // id 11
-    int32_t digitalGain = 0;             // id 12: x 2^code
-    int32_t coarseGain = 2;              // id 13: x 2^code
-    int32_t fineGain = 2048;             // id 14: factor 0.5 + steps / fineGainMax
-    int32_t riseTime = 80;               // id 15, filter clock ticks
-    int32_t flatTop = 40;                // id 16, filter clock ticks
-    int32_t poleZero = 2000;             // id 17
-    int32_t threshold = 40;              // id 18, 1/16384 of full scale
-    int32_t blr = 1, pur = 1;            // ids 19, 20
-    float highVoltage = 800.0f;          // id 21, volts
-    int32_t hvOn = 0;                    // id 22 bit value 1
-    int32_t connectFlags = 0;            // id 23
-    int32_t scopeControl = 0;            // id 24: 0 filtered, 7 input
-    std::array<float, 3> calibration{0.0f, 2.5f, 0.0f}; // id 25
-    int32_t presetCounts = 0;                           // id 28
-    int32_t presetMode = 0; // id 30: 1 live, 2 time, 4 counts, 8 external start
-    int32_t presetFirst = 0, presetLast = 16383;    // ids 31/32
-    int32_t gpioLegacy = 0;                         // id 34
-    int32_t analogPZ = 0;                           // id 36
-    int32_t purGuard = 0, trpGuard = 0, ltTrim = 0; // ids 39, 40, 41
-    int32_t gpio1 = 0, gpio2 = 0;                   // ids 48, 49 (packed function and polarity)
-    int32_t blrRate = 0;                            // id 50
-    int32_t hvInhibit = 1;                          // id 51: bit 0 enabled, bits 15+ negative
+    int32_t acqMode = 0;                 // AcqMode: 0 PHA, 1 MCS
+    int32_t channels = 1024;             // Channels and McsChannels
+    int32_t lld = 0, uld = 16383;        // LLD/ULD in PHA mode, channels
+    int32_t scaLow = 0, scaHigh = 16383; // LLD/ULD in MCS mode, channels
+    float presetTime = 0.0f;             // PresetValue in PHA mode, seconds (0 = none)
+    float dwellTime = 1.0f;              // PresetValue in MCS mode, seconds per channel
+    int32_t legacyPreset = 0;            // PresetModeLegacy: bit 0 = live time
+    int32_t polarity = 0;                // Polarity
+    int32_t digitalGain = 0;             // DigitalGain: x 2^code
+    int32_t coarseGain = 2;              // CoarseGain: x 2^code
+    int32_t fineGain = 2048;             // FineGain: factor 0.5 + steps / fineGainMax
+    int32_t riseTime = 80;               // RiseTime, filter clock ticks
+    int32_t flatTop = 40;                // FlatTop, filter clock ticks
+    int32_t poleZero = 2000;             // PoleZero
+    int32_t threshold = 40;              // Threshold, 1/16384 of full scale
+    int32_t blr = 1, pur = 1;            // BLR, PUR
+    float highVoltage = 800.0f;          // HighVoltage, volts
+    int32_t hvOn = 0;                    // HVState bit value 1
+    int32_t connectFlags = 0;            // ConnectFlags
+    int32_t scopeControl = 0;            // ScopeControl: 0 filtered, 7 input
+    std::array<float, 3> calibration{0.0f, 2.5f, 0.0f}; // DeviceCalibration
+    int32_t presetCounts = 0;                           // PresetCounts
+    int32_t presetMode = 0;                      // PresetMode: 1 live, 2 time, 4 counts, 8 external
+    int32_t presetFirst = 0, presetLast = 16383; // PresetFirstCh/PresetLastCh
+    int32_t gpioLegacy = 0;                      // GpioLegacy
+    int32_t analogPZ = 0;                        // AnalogPZ
+    int32_t purGuard = 0, trpGuard = 0, ltTrim = 0; // PURGuard, TRPGuard, LTTrim
+    int32_t gpio1 = 0, gpio2 = 0;                   // Gpio1, Gpio2 (packed function and polarity)
+    int32_t blrRate = 0;                            // BLRRate
+    int32_t hvInhibit = 1;                          // HVInhibit: bit 0 enabled, bits 15+ negative
 };
 
 // Power-up settings of a device: gains giving about 2.5 keV per channel at 1024
@@ -60,6 +60,10 @@ enum class ParamKind { Integer, Real, Text, Triple };
 ParamKind KindOf(int32_t id);
 // Bytes the value of an id needs in the caller's buffer (texts: at least 1).
 int32_t WireSize(int32_t id);
+
+// The identity texts and the device's live values (McsCurrentChannel, InputCounts, ClockHz,
+// MaxHV): answered by the device, never stored or written.
+bool IsReadOnly(int32_t id);
 
 // Reads a stored setting. Returns kOk, or kNotSupported for an id held elsewhere
 // (identity texts, live values) or not a setting.

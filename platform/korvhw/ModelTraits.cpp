@@ -1,15 +1,20 @@
 #include "ModelTraits.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
+#include <iterator>
 
 namespace korvsim {
 
 namespace {
 
-void Allow(ModelTraits& t, std::initializer_list<int32_t> ids) {
-    for (int32_t id : ids)
-        t.answers.set(static_cast<size_t>(id));
+// Ids in 0..kHighestParamId that no parameter has.
+constexpr int32_t kUnassignedIds[] = {29, 33, 37, 38, 43, 45, 46, 47};
+
+void Allow(ModelTraits& t, std::initializer_list<ParamId> ids) {
+    for (ParamId id : ids)
+        t.answers.set(static_cast<size_t>(ToInt(id)));
 }
 
 } // namespace
@@ -17,19 +22,8 @@ void Allow(ModelTraits& t, std::initializer_list<int32_t> ids) {
 bool IsKnownParamId(int32_t id) {
     if (id < 0 || id > kHighestParamId)
         return false;
-    switch (id) {
-    case 29:
-    case 33:
-    case 37:
-    case 38:
-    case 43:
-    case 45:
-    case 46:
-    case 47:
-        return false;
-    default:
-        return true;
-    }
+    return std::find(std::begin(kUnassignedIds), std::end(kUnassignedIds), id) ==
+           std::end(kUnassignedIds);
 }
 
 void ParseFirmware(const std::string& text, int32_t& major, int32_t& minor) {
@@ -47,18 +41,24 @@ ModelTraits TraitsFor(const std::string& serial, const std::string& firmware) {
     t.code = serial.substr(0, 2);
     ParseFirmware(firmware, t.firmwareMajor, t.firmwareMinor);
     // Every model: identity, the MCA settings proper, HV, scope, calibration, clock.
-    Allow(t, {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  11, 12, 13, 14, 15,
-              16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 42, 44});
+    using P = ParamId;
+    Allow(t, {P::DeviceName, P::SerialNumber, P::FirmwareVersion, P::FirmwareDate});
+    Allow(t, {P::ProductionDate, P::AcqMode, P::Channels, P::LLD, P::ULD, P::PresetValue});
+    Allow(t, {P::Polarity, P::DigitalGain, P::CoarseGain, P::FineGain, P::RiseTime});
+    Allow(t, {P::FlatTop, P::PoleZero, P::Threshold, P::BLR, P::PUR, P::HighVoltage});
+    Allow(t, {P::HVState, P::ConnectFlags, P::ScopeControl, P::DeviceCalibration});
+    Allow(t, {P::McsChannels, P::McsCurrentChannel, P::ClockHz, P::MaxHV});
     const bool current = t.code == "10";
     const bool old = t.code == "06" || t.code == "13" || t.code == "14";
     if (old) {
         // Old firmware: one legacy preset word and one external-control switch.
-        Allow(t, {10, 34});
+        Allow(t, {P::PresetModeLegacy, P::GpioLegacy});
         t.legacyPreset = true;
     } else {
-        Allow(t, {28, 30, 31, 32, 35, 39, 40, 41, 48, 49, 50});
+        Allow(t, {P::PresetCounts, P::PresetMode, P::PresetFirstCh, P::PresetLastCh, P::InputCounts,
+                  P::PURGuard, P::TRPGuard, P::LTTrim, P::Gpio1, P::Gpio2, P::BLRRate});
         if (current)
-            Allow(t, {36, 51});
+            Allow(t, {P::AnalogPZ, P::HVInhibit});
     }
     const bool wide = t.code == "10" || t.code == "08";
     const bool newFirmware = t.firmwareMajor > 3 || (t.firmwareMajor == 3 && t.firmwareMinor >= 3);

@@ -5,9 +5,20 @@
 #include <cstdint>
 #include <string>
 
+#include "KorvhwParams.h"
+
 namespace korvsim {
 
-constexpr int32_t kHighestParamId = 51;
+using ParamId = KorvhwParamId;
+constexpr int32_t kHighestParamId = KORVHW_HIGHEST_PARAM_ID;
+
+// The library's functions take ids as plain integers; any integer converts, named or not.
+constexpr ParamId AsParam(int32_t id) {
+    return static_cast<ParamId>(id);
+}
+constexpr int32_t ToInt(ParamId id) {
+    return static_cast<int32_t>(id);
+}
 
 struct ModelTraits {
     std::string code;
@@ -22,9 +33,11 @@ struct ModelTraits {
     bool supports(int32_t id) const {
         return id >= 0 && id <= kHighestParamId && answers.test(static_cast<size_t>(id));
     }
+    bool supports(ParamId id) const { return supports(ToInt(id)); }
 };
 
-// Ids 29, 33, 37, 38, 43, 45, 46 and 47 are unknown to every model.
+// Whether the id is one of KorvhwParamId's; the gaps (29, 33, 37, 38, 43, 45, 46 and 47)
+// are unknown to every model.
 bool IsKnownParamId(int32_t id);
 // Parses "V3.4" into 3 and 4; anything unreadable gives 0.0.
 void ParseFirmware(const std::string& text, int32_t& major, int32_t& minor);

@@ -72,26 +72,29 @@ DeviceSetup DefaultDevice06() {
     return d;
 }
 
-double ReadDouble(const IniFile& ini, const std::string& section, const char* key, double fallback,
-                  std::vector<std::string>& warnings) {
+// The key parsed as a number, `fallback` when it is absent; text that does not parse is
+// reported as "is not " + `kind` and gives `fallback` too.
+template <class T>
+T ReadNumber(const IniFile& ini, const std::string& section, const char* key, T fallback,
+             std::optional<T> (*parse)(std::string_view), const char* kind,
+             std::vector<std::string>& warnings) {
     const auto text = ini.get(section, key);
     if (!text)
         return fallback;
-    if (const auto value = ParseDouble(*text))
+    if (const auto value = parse(*text))
         return *value;
-    warnings.push_back("[" + section + "] " + key + "='" + *text + "' is not a number");
+    warnings.push_back("[" + section + "] " + key + "='" + *text + "' is not " + kind);
     return fallback;
+}
+
+double ReadDouble(const IniFile& ini, const std::string& section, const char* key, double fallback,
+                  std::vector<std::string>& warnings) {
+    return ReadNumber(ini, section, key, fallback, &ParseDouble, "a number", warnings);
 }
 
 long long ReadInteger(const IniFile& ini, const std::string& section, const char* key,
                       long long fallback, std::vector<std::string>& warnings) {
-    const auto text = ini.get(section, key);
-    if (!text)
-        return fallback;
-    if (const auto value = ParseInteger(*text))
-        return *value;
-    warnings.push_back("[" + section + "] " + key + "='" + *text + "' is not a whole number");
-    return fallback;
+    return ReadNumber(ini, section, key, fallback, &ParseInteger, "a whole number", warnings);
 }
 
 std::string ReadText(const IniFile& ini, const std::string& section, const char* key,

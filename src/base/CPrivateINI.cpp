@@ -2,6 +2,7 @@
 
 #include "base/IniFile.h"
 #include "base/TextFile.h"
+#include "base/TextTrim.h"
 #include "base/VexoError.h"
 
 #include <optional>
@@ -85,12 +86,7 @@ std::string ReadProfileString(const std::string& path, const std::string& sectio
 } // namespace
 
 void CPrivateINI::setINIFile(const std::string& path) {
-    std::size_t first = path.find_first_not_of(' ');
-    if (first == std::string::npos) {
-        m_iniFile.clear();
-        return;
-    }
-    m_iniFile = path.substr(first, path.find_last_not_of(' ') - first + 1);
+    m_iniFile = std::string(TrimBlanks(path, " "));
 }
 
 void CPrivateINI::RequireFileName() const {

@@ -6,6 +6,19 @@
 
 namespace vexo {
 
+std::ifstream OpenForReading(const std::filesystem::path& path) {
+    std::error_code ec;
+    if (std::filesystem::is_regular_file(path, ec))
+        return std::ifstream(path, std::ios::binary);
+    std::ifstream none; // a stream never opened still tests true until it is failed
+    none.setstate(std::ios::failbit);
+    return none;
+}
+
+bool CanOpen(const std::filesystem::path& path) {
+    return static_cast<bool>(OpenForReading(path));
+}
+
 FileBytes ReadFileBytes(const std::filesystem::path& path, std::size_t maxBytes) {
     FileBytes result;
     std::error_code ec;

@@ -1,8 +1,9 @@
 #pragma once
 // Raw bytes of a file, written in one go or read with a cap so that a huge or endless file cannot
-// exhaust memory or time.
+// exhaust memory or time; and the check readers make before they open a file.
 #include <cstddef>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,13 @@ struct FileBytes {
     std::string bytes;
     std::string error; // why it could not be read, when !ok
 };
+
+// A binary input stream on `path`; it is in a failed state when `path` is not a regular
+// file (a folder, missing) or cannot be opened for reading. Never throws.
+std::ifstream OpenForReading(const std::filesystem::path& path);
+
+// Whether OpenForReading would give a usable stream.
+bool CanOpen(const std::filesystem::path& path);
 
 // Reads at most `maxBytes` bytes of the file. Never throws for I/O problems.
 FileBytes ReadFileBytes(const std::filesystem::path& path, std::size_t maxBytes);

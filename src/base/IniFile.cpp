@@ -1,6 +1,7 @@
 #include "base/IniFile.h"
 
 #include "base/TextFile.h"
+#include "base/TextTrim.h"
 
 #include <algorithm>
 #include <fstream>
@@ -9,16 +10,9 @@
 namespace vexo {
 namespace {
 
-bool IsBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
-}
-
+// Names and values lose every white-space character around them.
 std::string_view Trim(std::string_view s) {
-    while (!s.empty() && IsBlank(s.front()))
-        s.remove_prefix(1);
-    while (!s.empty() && IsBlank(s.back()))
-        s.remove_suffix(1);
-    return s;
+    return TrimBlanks(s, " \t\r\n\v\f");
 }
 
 // Lower case of a Windows-1252 character: ASCII, the Latin-1 letters and the few

@@ -15,6 +15,34 @@ const std::string& ArgCursor::value(const std::string& name) {
     return next();
 }
 
+void ParseArgs(const std::vector<std::string>& args, const ArgTaker& take,
+               const std::string& unknown) {
+    ArgCursor cursor(args);
+    while (!cursor.done()) {
+        const std::string& arg = cursor.next();
+        if (!take(arg, cursor))
+            throw UsageError{unknown + " " + arg};
+    }
+}
+
+std::string ParseArgsAndFile(const std::vector<std::string>& args, const ArgTaker& take) {
+    std::string file;
+    auto takeOrFile = [&](const std::string& arg, ArgCursor& cursor) {
+        if (take(arg, cursor))
+            return true;
+        if (!arg.empty() && arg[0] == '-')
+            return false;
+        if (!file.empty())
+            throw UsageError{"only one FILE may be given"};
+        file = arg;
+        return true;
+    };
+    ParseArgs(args, takeOrFile, "unknown option");
+    if (file.empty())
+        throw UsageError{"FILE is required"};
+    return file;
+}
+
 double NumberArg(const std::string& text, const std::string& what) {
     auto value = StrictDouble(text);
     if (!value)
@@ -39,6 +67,14 @@ std::vector<std::string> SplitArg(const std::string& text, char separator) {
             return parts;
         start = cut + 1;
     }
+}
+
+std::vector<std::string> SplitArg(const std::string& text, char separator, std::size_t count,
+                                  const std::string& message) {
+    std::vector<std::string> parts = SplitArg(text, separator);
+    if (parts.size() != count)
+        throw UsageError{message};
+    return parts;
 }
 
 nlohmann::ordered_json JsonSingle(float value) {

@@ -1,7 +1,8 @@
 #pragma once
-// Helpers shared by the spectrum subcommands of vexo-cli (info, convert, energy, roi,
-// calibrate): argument parsing, JSON numbers, and opening a spectrum as Open does.
+// Helpers shared by the subcommands of vexo-cli: argument parsing, JSON numbers, and
+// opening a spectrum as Open does.
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,7 +21,7 @@ public:
     explicit ArgCursor(const std::vector<std::string>& args) : m_args(args) {}
     bool done() const { return m_next >= m_args.size(); }
     const std::string& next() { return m_args[m_next++]; }
-    // The value after option `name`; UsageError when there is none.
+    // The value after option `name`; UsageError "NAME needs a value" when there is none.
     const std::string& value(const std::string& name);
 
 private:
@@ -28,12 +29,31 @@ private:
     std::size_t m_next = 0;
 };
 
+// A command's own options: takes `arg` (and its value from the cursor, when it has one)
+// and returns true, or returns false for an argument that is none of its options.
+using ArgTaker = std::function<bool(const std::string& arg, ArgCursor& cursor)>;
+
+// Hands every argument in turn to `take`. An argument it does not take is a UsageError
+// `unknown` + " " + the argument ("unknown argument --x"); `take` throws its own
+// UsageErrors for bad values.
+void ParseArgs(const std::vector<std::string>& args, const ArgTaker& take,
+               const std::string& unknown = "unknown argument");
+
+// For commands that name one FILE: an argument `take` does not take is the FILE. UsageErrors:
+// "unknown option ARG" for one that starts with '-', "only one FILE may be given" for a
+// second FILE, and "FILE is required" when none (or only an empty one) was given.
+// Returns the FILE.
+std::string ParseArgsAndFile(const std::vector<std::string>& args, const ArgTaker& take);
+
 // The whole text as a number ("." decimal point); UsageError naming `what` otherwise.
 double NumberArg(const std::string& text, const std::string& what);
 // The whole text as a 32-bit integer; UsageError naming `what` otherwise.
 int32_t IntegerArg(const std::string& text, const std::string& what);
 // Splits at every `separator` ("1,2,3" -> {"1","2","3"}; empty parts kept).
 std::vector<std::string> SplitArg(const std::string& text, char separator);
+// SplitArg into exactly `count` parts; UsageError `message` for any other number.
+std::vector<std::string> SplitArg(const std::string& text, char separator, std::size_t count,
+                                  const std::string& message);
 
 // A 32-bit float as the JSON number of its shortest decimal text (123.456f -> 123.456,
 // not 123.45600128173828). Infinite or NaN values become null.

@@ -9,20 +9,13 @@
 #include <thread>
 
 #include "CliCommand.h"
+#include "CliHelpers.h"
+#include "device/AcquisitionController.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceIO.h"
 
 namespace vexo::cli {
 namespace {
-
-std::vector<std::string> SplitAt(const std::string& text, char sep) {
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    for (std::size_t p; (p = text.find(sep, start)) != std::string::npos; start = p + 1)
-        parts.push_back(text.substr(start, p - start));
-    parts.push_back(text.substr(start));
-    return parts;
-}
 
 int32_t ToInt(const std::string& text, const std::string& what) {
     int32_t v = 0;
@@ -92,16 +85,10 @@ const std::map<std::string, FloatField>& FloatFields() {
     return fields;
 }
 
-std::string NeedValue(const std::vector<std::string>& args, std::size_t& i) {
-    if (i + 1 >= args.size())
-        throw UsageError{args[i] + " needs a value"};
-    return args[++i];
-}
-
 } // namespace
 
 PresetChoice ParsePreset(const std::string& text) {
-    const auto parts = SplitAt(text, ':');
+    const auto parts = SplitArg(text, ':');
     PresetChoice p;
     const std::string& kind = parts[0];
     if ((kind == "live" || kind == "real" || kind == "forever") && parts.size() == 2) {
@@ -124,9 +111,7 @@ PresetChoice ParsePreset(const std::string& text) {
 }
 
 McsChoice ParseMcs(const std::string& text) {
-    const auto parts = SplitAt(text, ':');
-    if (parts.size() != 3)
-        throw UsageError{"--mcs must be DWELL:LOW:HIGH"};
+    const auto parts = SplitArg(text, ':', 3, "--mcs must be DWELL:LOW:HIGH");
     McsChoice m;
     m.dwellSeconds = ToSeconds(parts[0], "--mcs dwell");
     m.low = ToInt(parts[1], "--mcs low channel");
@@ -146,21 +131,20 @@ void SetRecordField(SpectrumDocument& doc, const std::string& name, const std::s
     throw UsageError{"--set: unknown setting '" + name + "'"};
 }
 
-bool ParseDeviceOption(const std::vector<std::string>& args, std::size_t& i, DeviceOptions& o) {
-    const std::string& a = args[i];
+bool ParseDeviceOption(const std::string& a, ArgCursor& cursor, DeviceOptions& o) {
     if (a == "--device") {
-        o.device = NeedValue(args, i);
+        o.device = cursor.value(a);
     } else if (a == "--preset") {
-        o.preset = ParsePreset(NeedValue(args, i));
+        o.preset = ParsePreset(cursor.value(a));
     } else if (a == "--mcs") {
-        o.mcs = ParseMcs(NeedValue(args, i));
+        o.mcs = ParseMcs(cursor.value(a));
     } else if (a == "--hv") {
-        const std::string v = NeedValue(args, i);
+        const std::string v = cursor.value(a);
         if (v != "on" && v != "off")
             throw UsageError{"--hv takes on or off"};
         o.hvOn = v == "on";
     } else if (a == "--set") {
-        const std::string v = NeedValue(args, i);
+        const std::string v = cursor.value(a);
         const auto eq = v.find('=');
         if (eq == std::string::npos || eq == 0)
             throw UsageError{"--set needs NAME=VALUE"};
@@ -171,6 +155,11 @@ bool ParseDeviceOption(const std::vector<std::string>& args, std::size_t& i, Dev
         return false;
     }
     return true;
+}
+
+void FailWhenSilent(const AcquisitionController& acq) {
+    if (acq.consecutiveFailedPolls() >= kMaxFailedPolls)
+        throw Failure{"the device does not answer: " + ErrorText(acq.lastPollError())};
 }
 
 TickPacer::TickPacer() {

@@ -14,7 +14,13 @@
 #include "roi/RoiCollection.h"
 #include "spectrum/SpectrumDocument.h"
 
+namespace vexo {
+class AcquisitionController;
+}
+
 namespace vexo::cli {
+
+class ArgCursor;
 
 // --preset live:S | real:S | counts:N:FIRST:LAST | forever:S
 struct PresetChoice {
@@ -45,9 +51,16 @@ struct DeviceOptions {
     bool hvOn = false;
 };
 
-// Consumes args[i] (and its value) when it is one of the options above; returns false
-// for any other argument. Throws UsageError for a missing or bad value.
-bool ParseDeviceOption(const std::vector<std::string>& args, std::size_t& i, DeviceOptions& o);
+// Takes `arg` (and its value from the cursor) when it is one of the options above;
+// returns false for any other argument. Throws UsageError for a missing or bad value.
+bool ParseDeviceOption(const std::string& arg, ArgCursor& cursor, DeviceOptions& o);
+
+// Status polls that may fail in a row before a measuring command gives up on the device.
+constexpr int kMaxFailedPolls = 20;
+
+// Failure "the device does not answer: " and the last poll's error text once
+// kMaxFailedPolls status polls in a row have failed.
+void FailWhenSilent(const AcquisitionController& acq);
 
 // Waits between ticks: VEXO_TICK_MS milliseconds of wall time (default 500). A simulated
 // analyser on a step clock needs no real waiting, so its users set it to 0.

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "CliCommand.h"
+#include "CliHelpers.h"
 #include "MeasureSession.h"
 #include "base/NumberText.h"
 #include "device/AcquisitionController.h"
@@ -41,16 +42,18 @@ struct Options {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (ParseDeviceOption(args, i, o.device))
-            continue;
-        if (args[i] == "--out" && i + 1 < args.size())
-            o.out = args[++i];
-        else if (args[i] == "--json")
+    auto take = [&](const std::string& arg, ArgCursor& cursor) {
+        if (ParseDeviceOption(arg, cursor, o.device))
+            return true;
+        if (arg == "--out" && !cursor.done())
+            o.out = cursor.next();
+        else if (arg == "--json")
             o.json = true;
         else
-            throw UsageError{"unknown or incomplete argument " + args[i]};
-    }
+            return false;
+        return true;
+    };
+    ParseArgs(args, take, "unknown or incomplete argument");
     if (o.device.device.empty())
         throw UsageError{"--device PATH is required"};
     if (!o.device.preset)
@@ -59,9 +62,6 @@ Options ParseOptions(const std::vector<std::string>& args) {
         throw UsageError{"--out FILE is required"};
     return o;
 }
-
-// Status polls that may fail in a row before the command gives up on the device.
-constexpr int kMaxFailedPolls = 20;
 
 // Ticks until the device stops by itself, or until the forever time has passed (then
 // the command stops it). False when the device was lost on the way.
@@ -75,8 +75,7 @@ bool Measure(MeasureSession& session, AcquisitionController& acq, bool& lost) {
         acq.tick();
         if (lost)
             return false;
-        if (acq.consecutiveFailedPolls() >= kMaxFailedPolls)
-            throw Failure{"the device does not answer: " + ErrorText(acq.lastPollError())};
+        FailWhenSilent(acq);
         if (tick % 10 == 0)
             std::fprintf(stderr, "%s  %s\n", acq.panelTexts().status.c_str(),
                          acq.panelTexts().elapsed.c_str());

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "CliCommand.h"
+#include "CliHelpers.h"
 #include "MeasureSession.h"
 #include "base/AppDir.h"
 #include "device/AcquisitionController.h"
@@ -42,38 +43,31 @@ struct Options {
     std::string appDir;
 };
 
-std::string Value(const std::vector<std::string>& args, std::size_t& i) {
-    if (i + 1 >= args.size())
-        throw UsageError{args[i] + " needs a value"};
-    return args[++i];
-}
-
-// Takes args[i] when it is one of the batch's own options.
-bool ParseBatchOption(const std::vector<std::string>& args, std::size_t& i, Options& o) {
-    const std::string& a = args[i];
+// Takes `a` (and its value) when it is one of the batch's own options.
+bool ParseBatchOption(const std::string& a, ArgCursor& cursor, Options& o) {
     if (a == "--count") {
-        o.fields.count = Value(args, i);
+        o.fields.count = cursor.value(a);
     } else if (a == "--dir") {
-        o.fields.folder = Value(args, i);
+        o.fields.folder = cursor.value(a);
     } else if (a == "--wait") {
-        o.fields.wait = Value(args, i);
+        o.fields.wait = cursor.value(a);
         o.fields.waitChecked = true;
     } else if (a == "--clear") {
         o.settings.bBatchClear = true;
     } else if (a == "--until-stop") {
         o.fields.untilStop = true;
     } else if (a == "--sample-id") {
-        o.sampleId = Value(args, i);
+        o.sampleId = cursor.value(a);
         o.settings.bNameSampleID = true;
     } else if (a == "--timestamp") {
         o.settings.bNameTimeDate = true;
     } else if (a == "--tag") {
-        o.settings.szBatchTag = Value(args, i);
+        o.settings.szBatchTag = cursor.value(a);
         o.settings.bNameTag = true;
     } else if (a == "--process") {
         o.settings.bBatchProc = true;
     } else if (a == "--appdir") {
-        o.appDir = Value(args, i);
+        o.appDir = cursor.value(a);
     } else {
         return false;
     }
@@ -82,10 +76,9 @@ bool ParseBatchOption(const std::vector<std::string>& args, std::size_t& i, Opti
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (!ParseDeviceOption(args, i, o.device) && !ParseBatchOption(args, i, o))
-            throw UsageError{"unknown argument " + args[i]};
-    }
+    ParseArgs(args, [&](const std::string& arg, ArgCursor& cursor) {
+        return ParseDeviceOption(arg, cursor, o.device) || ParseBatchOption(arg, cursor, o);
+    });
     if (o.device.device.empty())
         throw UsageError{"--device PATH is required"};
     if (!o.device.preset || o.device.preset->kind == PresetChoice::Kind::Forever)
@@ -108,8 +101,7 @@ int RunSequence(MeasureSession& session, AcquisitionController& acq, BatchContro
         if (batch.waitTimerEnabled())
             batch.tmrBatchWait();
         acq.tick();
-        if (acq.consecutiveFailedPolls() >= 20)
-            throw Failure{"the device does not answer: " + ErrorText(acq.lastPollError())};
+        FailWhenSilent(acq);
     }
     return lost ? kExitFailure : kExitOk;
 }

@@ -28,9 +28,8 @@ struct Options {
 };
 
 CalibrationRowText PointFromArg(const std::string& text) {
-    std::vector<std::string> parts = SplitArg(text, ':');
-    if (parts.size() != 2)
-        throw UsageError{"--point needs CH:KEV, got '" + text + "'"};
+    std::vector<std::string> parts =
+        SplitArg(text, ':', 2, "--point needs CH:KEV, got '" + text + "'");
     // The dialog silently leaves out a row it cannot convert; on the command line that
     // would hide a typing error, so it is refused here with the same conversions.
     if (!StrictInt16(parts[0]))
@@ -42,16 +41,15 @@ CalibrationRowText PointFromArg(const std::string& text) {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    ArgCursor cursor(args);
-    while (!cursor.done()) {
-        const std::string& arg = cursor.next();
+    ParseArgs(args, [&](const std::string& arg, ArgCursor& cursor) {
         if (arg == "--point")
             o.points.push_back(PointFromArg(cursor.value(arg)));
         else if (arg == "--json")
             o.json = true;
         else
-            throw UsageError{"unknown argument " + arg};
-    }
+            return false;
+        return true;
+    });
     if (o.points.empty() || o.points.size() > 3)
         throw UsageError{"give one to three --point CH:KEV"};
     return o;

@@ -27,20 +27,20 @@ struct Options {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    ArgCursor cursor(args);
-    while (!cursor.done()) {
-        const std::string& arg = cursor.next();
+    auto take = [&](const std::string& arg, ArgCursor&) {
         Target t = arg == "--full" ? Target::Full : arg == "--plain" ? Target::Plain : Target::None;
         if (t != Target::None) {
             if (o.target != Target::None && o.target != t)
                 throw UsageError{"give either --full or --plain"};
             o.target = t;
         } else if (!arg.empty() && arg[0] == '-') {
-            throw UsageError{"unknown option " + arg};
+            return false;
         } else {
             o.files.push_back(arg);
         }
-    }
+        return true;
+    };
+    ParseArgs(args, take, "unknown option");
     if (o.files.size() != 2)
         throw UsageError{"IN and OUT are required"};
     if (o.target == Target::None)

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "CliCommand.h"
+#include "CliHelpers.h"
 #include "device/DeviceLibrary.h"
 #include "device/DeviceSearch.h"
 
@@ -33,10 +34,9 @@ struct Options {
     bool json = false;
 };
 
-int WholeNumber(const std::vector<std::string>& args, std::size_t& i, int low, int high) {
-    if (i + 1 >= args.size())
-        throw UsageError{args[i] + " needs a value"};
-    const std::string& text = args[++i];
+// The value of option `name` as a whole number from `low` to `high`.
+int WholeNumber(const std::string& name, ArgCursor& cursor, int low, int high) {
+    const std::string& text = cursor.value(name);
     std::size_t used = 0;
     long value = 0;
     try {
@@ -45,23 +45,24 @@ int WholeNumber(const std::vector<std::string>& args, std::size_t& i, int low, i
         used = 0; // reported just below as a usage error
     }
     if (used == 0 || used != text.size() || value < low || value > high)
-        throw UsageError{args[i - 1] + " needs a whole number from " + std::to_string(low) +
-                         " to " + std::to_string(high)};
+        throw UsageError{name + " needs a whole number from " + std::to_string(low) + " to " +
+                         std::to_string(high)};
     return static_cast<int>(value);
 }
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--ticks")
-            o.ticks = WholeNumber(args, i, 1, 3600);
-        else if (args[i] == "--interval")
-            o.intervalMs = WholeNumber(args, i, 0, 60000);
-        else if (args[i] == "--json")
+    ParseArgs(args, [&](const std::string& arg, ArgCursor& cursor) {
+        if (arg == "--ticks")
+            o.ticks = WholeNumber(arg, cursor, 1, 3600);
+        else if (arg == "--interval")
+            o.intervalMs = WholeNumber(arg, cursor, 0, 60000);
+        else if (arg == "--json")
             o.json = true;
         else
-            throw UsageError{"unknown argument " + args[i]};
-    }
+            return false;
+        return true;
+    });
     return o;
 }
 

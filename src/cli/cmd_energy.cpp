@@ -29,18 +29,14 @@ struct Options {
 };
 
 EnergyCalibration ParseCalibration(const std::string& text) {
-    std::vector<std::string> parts = SplitArg(text, ',');
-    if (parts.size() != 3)
-        throw UsageError{"--cal needs OFFSET,SLOPE,QUAD"};
+    std::vector<std::string> parts = SplitArg(text, ',', 3, "--cal needs OFFSET,SLOPE,QUAD");
     return {true, NumberArg(parts[0], "OFFSET"), NumberArg(parts[1], "SLOPE"),
             NumberArg(parts[2], "QUAD")};
 }
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    ArgCursor cursor(args);
-    while (!cursor.done()) {
-        const std::string& arg = cursor.next();
+    ParseArgs(args, [&](const std::string& arg, ArgCursor& cursor) {
         if (arg == "--cal")
             o.cal = ParseCalibration(cursor.value(arg));
         else if (arg == "--channel")
@@ -50,8 +46,9 @@ Options ParseOptions(const std::vector<std::string>& args) {
         else if (arg == "--json")
             o.json = true;
         else
-            throw UsageError{"unknown argument " + arg};
-    }
+            return false;
+        return true;
+    });
     if (!o.cal)
         throw UsageError{"--cal is required"};
     if (o.channel.has_value() == o.energy.has_value())

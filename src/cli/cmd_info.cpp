@@ -29,22 +29,15 @@ struct Options {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    ArgCursor cursor(args);
-    while (!cursor.done()) {
-        const std::string& arg = cursor.next();
+    o.file = ParseArgsAndFile(args, [&](const std::string& arg, ArgCursor&) {
         if (arg == "--json")
             o.json = true;
         else if (arg == "--counts")
             o.counts = true;
-        else if (!arg.empty() && arg[0] == '-')
-            throw UsageError{"unknown option " + arg};
-        else if (o.file.empty())
-            o.file = arg;
         else
-            throw UsageError{"only one FILE may be given"};
-    }
-    if (o.file.empty())
-        throw UsageError{"FILE is required"};
+            return false;
+        return true;
+    });
     return o;
 }
 

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "CliCommand.h"
+#include "CliHelpers.h"
 #include "base/NumberText.h"
 #include "base/Rounding.h"
 #include "base/TextFile.h"
@@ -40,48 +41,47 @@ struct Options {
     std::vector<std::string> nuclides;
 };
 
-const std::string& Value(const std::vector<std::string>& args, std::size_t& i) {
-    if (i + 1 >= args.size())
-        throw UsageError{args[i] + " needs a value"};
-    return args[++i];
-}
-
 bool IsNuclideName(const std::string& name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
         return std::isalnum(static_cast<unsigned char>(c)) || c == '-';
     });
 }
 
+// Takes one option with its value, or one NUCLIDE; false for any other option.
+bool TakeArg(const std::string& a, ArgCursor& cursor, Options& o) {
+    if (a == "--lara") {
+        o.laraDir = cursor.value(a);
+    } else if (a == "--out") {
+        o.out = cursor.value(a);
+    } else if (a == "--min-intensity") {
+        auto v = StrictDouble(cursor.value(a));
+        if (!v || *v < 0)
+            throw UsageError{"--min-intensity needs a percentage >= 0"};
+        o.minIntensity = *v;
+    } else if (a == "--max-lines") {
+        auto v = StrictDouble(cursor.value(a));
+        if (!v || *v < 0 || *v != std::floor(*v) || *v > 1e6)
+            throw UsageError{"--max-lines needs a whole number >= 0"};
+        o.maxLines = static_cast<std::size_t>(*v);
+    } else if (a == "--note") {
+        o.notes.push_back(cursor.value(a));
+    } else if (a == "--with-xrays") {
+        o.withXrays = true;
+    } else if (a.rfind("--", 0) == 0) {
+        return false;
+    } else if (IsNuclideName(a)) {
+        o.nuclides.push_back(a);
+    } else {
+        throw UsageError{"not a nuclide name: " + a};
+    }
+    return true;
+}
+
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "--lara") {
-            o.laraDir = Value(args, i);
-        } else if (a == "--out") {
-            o.out = Value(args, i);
-        } else if (a == "--min-intensity") {
-            auto v = StrictDouble(Value(args, i));
-            if (!v || *v < 0)
-                throw UsageError{"--min-intensity needs a percentage >= 0"};
-            o.minIntensity = *v;
-        } else if (a == "--max-lines") {
-            auto v = StrictDouble(Value(args, i));
-            if (!v || *v < 0 || *v != std::floor(*v) || *v > 1e6)
-                throw UsageError{"--max-lines needs a whole number >= 0"};
-            o.maxLines = static_cast<std::size_t>(*v);
-        } else if (a == "--note") {
-            o.notes.push_back(Value(args, i));
-        } else if (a == "--with-xrays") {
-            o.withXrays = true;
-        } else if (a.rfind("--", 0) == 0) {
-            throw UsageError{"unknown option " + a};
-        } else if (IsNuclideName(a)) {
-            o.nuclides.push_back(a);
-        } else {
-            throw UsageError{"not a nuclide name: " + a};
-        }
-    }
+    ParseArgs(
+        args, [&](const std::string& a, ArgCursor& cursor) { return TakeArg(a, cursor, o); },
+        "unknown option");
     if (o.laraDir.empty() || o.out.empty())
         throw UsageError{"--lara and --out are required"};
     if (o.nuclides.empty())

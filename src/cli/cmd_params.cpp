@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "CliCommand.h"
+#include "CliHelpers.h"
 #include "base/Messages.h"
 #include "base/NumberText.h"
 #include "device/ConnectionController.h"
@@ -37,17 +38,15 @@ struct Options {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--device") {
-            if (i + 1 >= args.size())
-                throw UsageError{"--device needs a value"};
-            o.device = args[++i];
-        } else if (args[i] == "--json") {
+    ParseArgs(args, [&](const std::string& arg, ArgCursor& cursor) {
+        if (arg == "--device")
+            o.device = cursor.value(arg);
+        else if (arg == "--json")
             o.json = true;
-        } else {
-            throw UsageError{"unknown argument " + args[i]};
-        }
-    }
+        else
+            return false;
+        return true;
+    });
     if (o.device.empty())
         throw UsageError{"--device PATH is required"};
     return o;

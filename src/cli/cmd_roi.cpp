@@ -7,7 +7,6 @@
 #include "CliCommand.h"
 #include "CliHelpers.h"
 #include "base/NumberText.h"
-#include "base/VexoError.h"
 #include "roi/RoiFile.h"
 #include "roi/RoiReadout.h"
 #include "roi/clsROI.h"
@@ -33,9 +32,7 @@ struct Options {
 };
 
 clsROI RoiFromArg(const std::string& text) {
-    std::vector<std::string> parts = SplitArg(text, ':');
-    if (parts.size() != 2)
-        throw UsageError{"--roi needs L:R, got '" + text + "'"};
+    std::vector<std::string> parts = SplitArg(text, ':', 2, "--roi needs L:R, got '" + text + "'");
     clsROI roi;
     roi.set_lROILCh(IntegerArg(parts[0], "--roi L"));
     roi.set_lROIRCh(IntegerArg(parts[1], "--roi R"));
@@ -45,9 +42,7 @@ clsROI RoiFromArg(const std::string& text) {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    ArgCursor cursor(args);
-    while (!cursor.done()) {
-        const std::string& arg = cursor.next();
+    o.file = ParseArgsAndFile(args, [&](const std::string& arg, ArgCursor& cursor) {
         if (arg == "--roi")
             o.rois.push_back(RoiFromArg(cursor.value(arg)));
         else if (arg == "--roi-file")
@@ -56,42 +51,14 @@ Options ParseOptions(const std::vector<std::string>& args) {
             o.time = static_cast<float>(NumberArg(cursor.value(arg), "--time"));
         else if (arg == "--json")
             o.json = true;
-        else if (!arg.empty() && arg[0] == '-')
-            throw UsageError{"unknown option " + arg};
-        else if (o.file.empty())
-            o.file = arg;
         else
-            throw UsageError{"only one FILE may be given"};
-    }
-    if (o.file.empty())
-        throw UsageError{"FILE is required"};
+            return false;
+        return true;
+    });
     return o;
 }
 
-struct Analysis {
-    bool ok = false;
-    std::string error; // the raised error's text; empty when none was raised
-    int16_t nBkgChn = 0;
-    RoiRates rates;
-};
-
-Analysis Analyse(clsROI& roi, float sTime, const SpectrumDocument& doc) {
-    Analysis a;
-    // An analysis that raises is reported for that ROI; the others still run.
-    try {
-        a.ok = roi.bComputeROI(sTime, a.nBkgChn, doc.lCounts.data(), doc.lCounts.size(),
-                               doc.calibration, a.rates);
-    } catch (const OverflowError& e) {
-        a.error = e.what();
-    } catch (const FloatingPointError& e) {
-        a.error = e.what();
-    } catch (const SubscriptError& e) {
-        a.error = e.what();
-    }
-    return a;
-}
-
-nlohmann::ordered_json AnalysisJson(const clsROI& r, const Analysis& a) {
+nlohmann::ordered_json AnalysisJson(const clsROI& r, const RoiAnalysis& a) {
     nlohmann::ordered_json j;
     j["ok"] = a.ok;
     j["error"] =
@@ -119,7 +86,7 @@ nlohmann::ordered_json AnalysisJson(const clsROI& r, const Analysis& a) {
     return j;
 }
 
-void PrintText(std::size_t number, const clsROI& r, const Analysis& a) {
+void PrintText(std::size_t number, const clsROI& r, const RoiAnalysis& a) {
     std::printf("ROI %zu: channels %d-%d\n", number, r.lROILCh(), r.lROIRCh());
     if (!a.ok) {
         std::printf("  analysis failed%s%s\n", a.error.empty() ? "" : ": ", a.error.c_str());
@@ -156,7 +123,7 @@ int Run(const std::vector<std::string>& args) {
     const float sTime = o.time.value_or(doc.sngLiveTime);
     nlohmann::ordered_json results = nlohmann::ordered_json::array();
     for (std::size_t i = 0; i < rois.size(); ++i) {
-        Analysis a = Analyse(rois[i], sTime, doc);
+        const RoiAnalysis a = AnalyseRoi(rois[i], sTime, doc);
         if (o.json)
             results.push_back(AnalysisJson(rois[i], a));
         else

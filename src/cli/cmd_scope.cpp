@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "CliCommand.h"
+#include "CliHelpers.h"
 #include "MeasureSession.h"
 #include "base/TextFile.h"
 #include "device/AcquisitionController.h"
@@ -31,24 +32,25 @@ struct Options {
 
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "--device" && i + 1 < args.size()) {
-            o.device.device = args[++i];
+    auto take = [&](const std::string& a, ArgCursor& cursor) {
+        if (a == "--device" && !cursor.done()) {
+            o.device.device = cursor.next();
         } else if (a == "--input") {
             o.input = true;
-        } else if (a == "--traces" && i + 1 < args.size()) {
-            const std::string v = args[++i];
+        } else if (a == "--traces" && !cursor.done()) {
+            const std::string v = cursor.next();
             if (v.empty() || v.size() > 4 ||
                 v.find_first_not_of("0123456789") != std::string::npos || std::stoi(v) < 1)
                 throw UsageError{"--traces takes a whole number 1..9999"};
             o.traces = std::stoi(v);
-        } else if (a == "--out" && i + 1 < args.size()) {
-            o.out = args[++i];
+        } else if (a == "--out" && !cursor.done()) {
+            o.out = cursor.next();
         } else {
-            throw UsageError{"unknown or incomplete argument " + a};
+            return false;
         }
-    }
+        return true;
+    };
+    ParseArgs(args, take, "unknown or incomplete argument");
     if (o.device.device.empty())
         throw UsageError{"--device PATH is required"};
     if (o.out.empty())

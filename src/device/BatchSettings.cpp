@@ -6,6 +6,7 @@
 
 #include "base/DateTime.h"
 #include "base/NumberText.h"
+#include "base/TextTrim.h"
 #include "device/ExternalProcessing.h"
 
 namespace vexo {
@@ -20,10 +21,7 @@ const char* const kWaitMessage =
     "Please enter a value for the waiting interval time between measurements in the Batch";
 
 std::string Trimmed(const std::string& text) {
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    return std::string(TrimBlanks(text));
 }
 
 // A whole number of digits only (the fields filter other keys) within 0..maximum.

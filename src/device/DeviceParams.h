@@ -6,59 +6,16 @@
 #include <string>
 #include <string_view>
 
+#include "KorvhwParams.h"
+
 namespace vexo {
 
 // The open device's handle as OpenDevice writes it; 0 = none.
 using DeviceHandle = int32_t;
 
-// Every id the program passes to GetParam/SetParam. Unless noted the value is one
-// signed 32-bit integer in the device's own units (buffer size 4).
-enum class DeviceParamId : int32_t {
-    DeviceName = 0,      // text, 64 bytes
-    SerialNumber = 1,    // text, 64 bytes; first two characters = model code
-    FirmwareVersion = 2, // text, 64 bytes: "V3.4"
-    FirmwareDate = 3,    // text, 64 bytes: "YYYYMMDD"
-    ProductionDate = 4,  // text, 64 bytes: "YYYYMMDD"
-    AcqMode = 5,         // 0 PHA, 1 MCS
-    Channels = 6,        // 256 .. 16384
-    LLD = 7,             // channel; in MCS mode the SCA window low channel
-    ULD = 8,             // channel; in MCS mode the SCA window high channel
-    PresetValue = 9,     // float seconds: preset time (PHA) or dwell time (MCS)
-    PresetModeLegacy = 10,
-    Polarity = 11, // 0 positive, non-zero negative
-    DigitalGain = 12,
-    CoarseGain = 13,
-    FineGain = 14, // 0 .. lFineGainMax
-    RiseTime = 15, // filter clock ticks
-    FlatTop = 16,  // filter clock ticks
-    PoleZero = 17,
-    Threshold = 18,
-    BLR = 19,
-    PUR = 20,
-    HighVoltage = 21,  // float volts
-    HVState = 22,      // HVState* bits
-    ConnectFlags = 23, // written once with 256 after opening
-    ScopeControl = 24,
-    DeviceCalibration = 25, // three floats (12 bytes): keV, keV/ch, keV/ch^2
-    McsChannels = 26,
-    McsCurrentChannel = 27,
-    PresetCounts = 28,
-    PresetMode = 30, // PresetMode* bits
-    PresetFirstCh = 31,
-    PresetLastCh = 32,
-    GpioLegacy = 34,
-    InputCounts = 35,
-    AnalogPZ = 36,
-    PURGuard = 39,
-    TRPGuard = 40,
-    LTTrim = 41,
-    ClockHz = 42, // hertz
-    MaxHV = 44,   // tenths of a volt
-    Gpio1 = 48,   // packed, see UnpackPolarity
-    Gpio2 = 49,
-    BLRRate = 50,
-    HVInhibit = 51, // packed, bit 0 = enabled
-};
+// Every id the program passes to GetParam/SetParam; the list is the device library's own
+// (KorvhwParams.h), which the simulated analyser answers to as well.
+using DeviceParamId = KorvhwParamId;
 
 constexpr int32_t ToInt(DeviceParamId id) {
     return static_cast<int32_t>(id);

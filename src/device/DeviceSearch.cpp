@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/TextTrim.h"
+
 namespace vexo {
 
 const char* const kEmptyDeviceListText =
@@ -9,12 +11,9 @@ const char* const kEmptyDeviceListText =
 
 namespace {
 
+// The library pads its texts with spaces only.
 std::string Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos)
-        return {};
-    const std::size_t last = text.find_last_not_of(' ');
-    return std::string(text.substr(first, last - first + 1));
+    return std::string(TrimBlanks(text, " "));
 }
 
 } // namespace

@@ -2,24 +2,17 @@
 
 #include "base/NumberText.h"
 #include "base/TextFile.h"
+#include "base/TextTrim.h"
 
 namespace vexo {
 namespace {
-
-std::string_view Trim(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
-        s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
-        s.remove_suffix(1);
-    return s;
-}
 
 std::vector<std::string_view> SplitFields(std::string_view line) {
     std::vector<std::string_view> fields;
     std::size_t start = 0;
     for (;;) {
         std::size_t semicolon = line.find(';', start);
-        fields.push_back(Trim(line.substr(start, semicolon - start)));
+        fields.push_back(TrimBlanks(line.substr(start, semicolon - start)));
         if (semicolon == std::string_view::npos)
             return fields;
         start = semicolon + 1;
@@ -43,7 +36,7 @@ std::string_view HalfLifeUnitField(std::string_view key) {
     auto close = key.find(')', open);
     if (open == std::string_view::npos || close == std::string_view::npos)
         return {};
-    return Trim(key.substr(open + 1, close - open - 1));
+    return TrimBlanks(key.substr(open + 1, close - open - 1));
 }
 
 struct Parser {
@@ -96,7 +89,7 @@ struct Parser {
     }
 
     bool line(int lineNo, std::string_view text) {
-        if (Trim(text).empty())
+        if (TrimBlanks(text).empty())
             return true;
         if (StartsWith(text, "===")) { // end of the emission table
             inEmissions = false;

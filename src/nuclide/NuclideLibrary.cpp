@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "base/CPrivateINI.h"
+#include "base/FileBytes.h"
 #include "base/IniFile.h"
 #include "base/NumberText.h"
 #include "base/Rounding.h"
@@ -133,21 +134,10 @@ clsNuclide ReadLine(CPrivateINI& ini, const std::string& section,
     return line;
 }
 
-bool CanOpen(const std::filesystem::path& path) {
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec))
-        return false;
-    std::ifstream in(path, std::ios::binary);
-    return static_cast<bool>(in);
-}
-
 } // namespace
 
 bool IsNuclideLibrary(const std::filesystem::path& path) {
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec))
-        return false;
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in = OpenForReading(path);
     if (!in)
         return false;
     FieldMatcher matcher;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cctype>
 
+#include "base/TextTrim.h"
 #include "base/VexoError.h"
 
 namespace vexo {
@@ -50,14 +51,6 @@ struct UnitFactors {
     }
 };
 const UnitFactors kFactors;
-
-std::string_view TrimBlanks(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
-        s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
-        s.remove_suffix(1);
-    return s;
-}
 
 bool EqualNoCase(std::string_view a, std::string_view b) {
     if (a.size() != b.size())

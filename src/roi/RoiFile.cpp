@@ -6,6 +6,7 @@
 #include "base/CPrivateINI.h"
 #include "base/NumberText.h"
 #include "base/TextFile.h"
+#include "base/TextTrim.h"
 #include "base/VexoError.h"
 
 namespace vexo {
@@ -19,15 +20,8 @@ constexpr const char* kBanner[] = {
     "'''**********************************",
 };
 
-std::string Trim(const std::string& s) {
-    const auto first = s.find_first_not_of(' ');
-    if (first == std::string::npos)
-        return "";
-    return s.substr(first, s.find_last_not_of(' ') - first + 1);
-}
-
 std::string EnergyText(float keV) {
-    return Trim(FormatSingle(keV, "0.00"));
+    return std::string(TrimBlanks(FormatSingle(keV, "0.00"), " "));
 }
 
 void WriteSection(TextFileWriter& out, const clsROI& roi, int position) {

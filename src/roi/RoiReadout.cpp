@@ -22,25 +22,32 @@ std::string PoissonSigma(double counts) {
 
 } // namespace
 
-RoiReadout UpdateCompROI(clsROI& roi, float sTime, const SpectrumDocument& doc) {
-    RoiReadout out;
-    int16_t nBkgChn = 0;
-    // An arithmetic fault in one ROI must not end the refresh of the main window: each
-    // documented error is turned into the read-out's error text for the caller to show.
+RoiAnalysis AnalyseRoi(clsROI& roi, float sTime, const SpectrumDocument& doc) {
+    RoiAnalysis a;
+    // An arithmetic fault in one ROI must not end the refresh of the main window or the
+    // analysis of the other ROIs: each documented error becomes the analysis's error text
+    // for the caller to show.
     try {
-        out.ok = roi.bComputeROI(sTime, nBkgChn, doc.lCounts.data(), doc.lCounts.size(),
-                                 doc.calibration, out.rates);
+        a.ok = roi.bComputeROI(sTime, a.nBkgChn, doc.lCounts.data(), doc.lCounts.size(),
+                               doc.calibration, a.rates);
     } catch (const OverflowError& e) {
-        out.error = e.what();
+        a.error = e.what();
     } catch (const FloatingPointError& e) {
-        out.error = e.what();
+        a.error = e.what();
     } catch (const SubscriptError& e) {
-        out.error = e.what();
+        a.error = e.what();
     }
-    if (!out.ok) {
-        out.rates = {};
-        return out;
-    }
+    return a;
+}
+
+RoiReadout UpdateCompROI(clsROI& roi, float sTime, const SpectrumDocument& doc) {
+    const RoiAnalysis a = AnalyseRoi(roi, sTime, doc);
+    RoiReadout out;
+    out.ok = a.ok;
+    out.error = a.error;
+    if (!out.ok)
+        return out; // the rates stay 0
+    out.rates = a.rates;
     out.netArea = FormatAuto(roi.lNET());
     out.integral = FormatAuto(roi.lInt());
     out.netRate = RateText(out.rates.sNetRate);

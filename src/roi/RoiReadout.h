@@ -1,6 +1,6 @@
 #pragma once
-// What the main window and the ROI dialog show of one ROI: the read-out texts after an
-// analysis and the rows of the ROI results list.
+// What the main window, the ROI dialog and vexo-cli show of one ROI: one guarded run of its
+// analysis, the read-out texts after it and the rows of the ROI results list.
 #include <string>
 #include <vector>
 
@@ -8,6 +8,20 @@
 #include "spectrum/SpectrumDocument.h"
 
 namespace vexo {
+
+// What one run of bComputeROI gave.
+struct RoiAnalysis {
+    bool ok = false;     // the analysis returned true and stored its results in the ROI
+    std::string error;   // the error's text when the analysis raised; empty otherwise
+    int16_t nBkgChn = 0; // background channels on each side, as the analysis set it
+    RoiRates rates;      // counts per second, as the analysis left them
+};
+
+// Runs bComputeROI on `roi` with the counts and calibration of `doc` and `sTime` seconds
+// as the measuring time. An analysis that returns false gives ok = false with an empty
+// error; an arithmetic fault or a stray index (OverflowError, FloatingPointError,
+// SubscriptError) gives ok = false with the error's text. Never throws for those.
+RoiAnalysis AnalyseRoi(clsROI& roi, float sTime, const SpectrumDocument& doc);
 
 // Result of re-analysing one ROI for the main window's read-out.
 struct RoiReadout {
@@ -21,10 +35,7 @@ struct RoiReadout {
     std::string intRate;  // integral rate "0.0" + " CPS"
 };
 
-// Runs bComputeROI on `roi` with the counts and calibration of `doc` and `sTime` seconds
-// as the measuring time. An analysis that returns false gives ok = false with an empty
-// error; an arithmetic fault or a stray index (OverflowError, FloatingPointError,
-// SubscriptError) gives ok = false with the error's text. Never throws for those.
+// AnalyseRoi, then the read-out texts when it succeeded.
 RoiReadout UpdateCompROI(clsROI& roi, float sTime, const SpectrumDocument& doc);
 
 // One row of the ROI results list: "Category", "Value", "Uncertainty".

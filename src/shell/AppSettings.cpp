@@ -5,8 +5,10 @@
 #include "base/Rounding.h"
 #include "base/TextFile.h"
 
+#include <span>
 #include <stdexcept>
 #include <system_error>
+#include <variant>
 
 namespace vexo {
 namespace {
@@ -14,130 +16,166 @@ namespace {
 constexpr int32_t kTrue = -1;
 constexpr int32_t kFalse = 0;
 
-// Reading and writing the value kinds of the settings file through one store.
-class SettingsIni {
-public:
-    explicit SettingsIni(const std::filesystem::path& path) { m_ini.setINIFile(path.string()); }
-
-    bool flag(const std::string& section, const std::string& key, bool def) {
-        return m_ini.GetLongValue(section, key, def ? kTrue : kFalse) != 0;
-    }
-    int32_t integer(const std::string& section, const std::string& key, int32_t def) {
-        return m_ini.GetLongValue(section, key, def);
-    }
-    std::string text(const std::string& section, const std::string& key, const std::string& def) {
-        return m_ini.GetValue(section, key, def);
-    }
-
-    void putFlag(const std::string& section, const std::string& key, bool value) {
-        m_ini.PutLongValue(section, key, value ? kTrue : kFalse);
-    }
-    void putInteger(const std::string& section, const std::string& key, int32_t value) {
-        m_ini.PutLongValue(section, key, value);
-    }
-    void putText(const std::string& section, const std::string& key, const std::string& value) {
-        m_ini.PutValue(section, key, value);
-    }
-
-private:
-    CPrivateINI m_ini;
+// One entry of the ROI colour table.
+struct RoiColorSlot {
+    std::size_t index;
 };
 
-std::string RoiColorKey(std::size_t n) {
-    return "RoiColorNo" + std::to_string(n);
+// Where a key's value lives in its record. The member's type is the value's kind in the
+// file: bool a flag, int32_t an integer or colour, std::string a text.
+using SettingsField = std::variant<bool AppSettings::*, int32_t AppSettings::*,
+                                   std::string AppSettings::*, RoiColorSlot>;
+using FormField = std::variant<bool FormLocation::*, int32_t FormLocation::*>;
+
+// When a key is read and written.
+enum class KeyUse {
+    Full,        // read by a load, written by a full save
+    WrittenOnly, // written by a full save and never read (it carries another key's value)
+    BatchOnly,   // read by a load, written only by a batch-mode save
+};
+
+// One key of the settings file. A key missing from the file reads as the field's value
+// in a fresh record, so the record's initialisers are the defaults.
+template <class Field> struct SettingsKey {
+    const char* section;
+    const char* key;
+    Field field;
+    KeyUse use = KeyUse::Full;
+};
+
+constexpr RoiColorSlot RoiColor(std::size_t index) {
+    return {index};
 }
 
-void ReadProgram(SettingsIni& ini, AppSettings& s) {
-    const AppSettings d;
-    s.RoiFollowUp = ini.flag("PROGRAM", "RoiFollowUp", d.RoiFollowUp);
-    s.DefNucLib = ini.text("PROGRAM", "DefNucLib", d.DefNucLib);
-    s.OpenLastDetectorUsed = ini.flag("PROGRAM", "OpenLastDetectorUsed", d.OpenLastDetectorUsed);
-    s.ApplyHV = ini.flag("PROGRAM", "ApplyHV", d.ApplyHV);
-    s.DetectorPath = ini.text("PROGRAM", "DetectorPath", d.DetectorPath);
-}
+using Key = SettingsKey<SettingsField>;
 
-void ReadDisplay(SettingsIni& ini, AppSettings& s) {
-    const AppSettings d;
-    s.SpctFilled = ini.flag("DISPLAY", "SpctFilled", d.SpctFilled);
-    s.SpctBackColor = ini.integer("DISPLAY", "SpctBackColor", d.SpctBackColor);
-    s.SpctForeColor = ini.integer("DISPLAY", "SpctForeColor", d.SpctForeColor);
-    s.SpctScaleColor = ini.integer("DISPLAY", "SpctScaleColor", d.SpctScaleColor);
-    s.SpctCurColor = ini.integer("DISPLAY", "SpctCurColor", d.SpctCurColor);
-    s.SpctShowGrid = ini.flag("DISPLAY", "SpctShowGrid", d.SpctShowGrid);
-    s.SpctScaleMode = ini.integer("DISPLAY", "SpctScaleMode", d.SpctScaleMode);
-    s.SpctGraphType = ini.integer("DISPLAY", "SpctGraphType", d.SpctGraphType);
-    s.RoiOneColor = ini.flag("DISPLAY", "RoiOneColor", d.RoiOneColor);
-    s.RoiColors[0] = ini.integer("DISPLAY", "RoiBaseColor", d.RoiColors[0]);
-    for (std::size_t n = 1; n <= 8; ++n)
-        s.RoiColors[n] = ini.integer("DISPLAY", RoiColorKey(n), d.RoiColors[n]);
-}
-
-void ReadReport(SettingsIni& ini, AppSettings& s) {
-    const AppSettings d;
-    s.PlotSect = ini.flag("REPORT", "PlotSect", d.PlotSect);
-    s.SpctSect = ini.flag("REPORT", "SpctSect", d.SpctSect);
-    s.RepStyle = ini.text("REPORT", "RepStyle", d.RepStyle);
-    s.HardwareSect = ini.flag("REPORT", "HardwareSect", d.HardwareSect);
-    s.DataAcqSect = ini.flag("REPORT", "DataAcqSect", d.DataAcqSect);
-    s.CalibrationSect = ini.flag("REPORT", "CalibrationSect", d.CalibrationSect);
-    s.ROISect = ini.flag("REPORT", "ROISect", d.ROISect);
-}
-
-void ReadProcessAndBatch(SettingsIni& ini, AppSettings& s) {
-    const AppSettings d;
-    s.EnableExtProcessing = ini.flag("PROCESS", "EnableExtProcessing", d.EnableExtProcessing);
-    s.DataDir = ini.text("PROCESS", "DataDir", d.DataDir);
-    s.FileName = ini.text("PROCESS", "FileName", d.FileName);
-    s.Program = ini.text("PROCESS", "Program", d.Program);
-    s.StartupDir = ini.text("PROCESS", "StartupDir", d.StartupDir);
-    s.Arguments = ini.text("PROCESS", "Arguments", d.Arguments);
-    s.BatchDataDir = ini.text("BATCH", "BatchDataDir", d.BatchDataDir);
-}
-
-void WriteProgram(SettingsIni& ini, const AppSettings& s) {
-    ini.putFlag("PROGRAM", "RoiFollowUp", s.RoiFollowUp);
-    ini.putText("PROGRAM", "DefNucLib", s.DefNucLib);
-    ini.putFlag("PROGRAM", "OpenLastDetectorUsed", s.OpenLastDetectorUsed);
-    ini.putFlag("PROGRAM", "ApplyHV", s.ApplyHV);
-    ini.putText("PROGRAM", "DetectorPath", s.DetectorPath);
-}
-
-void WriteDisplay(SettingsIni& ini, const AppSettings& s) {
-    ini.putInteger("DISPLAY", "SpctBackColor", s.SpctBackColor);
-    ini.putInteger("DISPLAY", "SpctForeColor", s.SpctForeColor);
+// The keys up to REPORT, in the order a full save writes them (which is the order of a
+// new file). The report style is resolved right after these are read.
+constexpr Key kKeysBeforeStyle[] = {
+    {"PROGRAM", "RoiFollowUp", &AppSettings::RoiFollowUp},
+    {"PROGRAM", "DefNucLib", &AppSettings::DefNucLib},
+    {"PROGRAM", "OpenLastDetectorUsed", &AppSettings::OpenLastDetectorUsed},
+    {"PROGRAM", "ApplyHV", &AppSettings::ApplyHV},
+    {"PROGRAM", "DetectorPath", &AppSettings::DetectorPath},
+    {"DISPLAY", "SpctBackColor", &AppSettings::SpctBackColor},
+    {"DISPLAY", "SpctForeColor", &AppSettings::SpctForeColor},
     // Written for older readers of the file and never read back: the label colour has
     // always been the scale colour, the reference colour the graph colour.
-    ini.putInteger("DISPLAY", "SpctLabelColor", s.SpctScaleColor);
-    ini.putInteger("DISPLAY", "SpctRefColor", s.SpctForeColor);
-    ini.putInteger("DISPLAY", "SpctCurColor", s.SpctCurColor);
-    ini.putInteger("DISPLAY", "SpctScaleColor", s.SpctScaleColor);
-    ini.putFlag("DISPLAY", "SpctFilled", s.SpctFilled);
-    ini.putFlag("DISPLAY", "SpctShowGrid", s.SpctShowGrid);
-    ini.putInteger("DISPLAY", "SpctGraphType", s.SpctGraphType);
-    ini.putInteger("DISPLAY", "SpctScaleMode", s.SpctScaleMode);
-    ini.putFlag("DISPLAY", "RoiOneColor", s.RoiOneColor);
-    ini.putInteger("DISPLAY", "RoiBaseColor", s.RoiColors[0]);
-    for (std::size_t n = 1; n <= 8; ++n)
-        ini.putInteger("DISPLAY", RoiColorKey(n), s.RoiColors[n]);
+    {"DISPLAY", "SpctLabelColor", &AppSettings::SpctScaleColor, KeyUse::WrittenOnly},
+    {"DISPLAY", "SpctRefColor", &AppSettings::SpctForeColor, KeyUse::WrittenOnly},
+    {"DISPLAY", "SpctCurColor", &AppSettings::SpctCurColor},
+    {"DISPLAY", "SpctScaleColor", &AppSettings::SpctScaleColor},
+    {"DISPLAY", "SpctFilled", &AppSettings::SpctFilled},
+    {"DISPLAY", "SpctShowGrid", &AppSettings::SpctShowGrid},
+    {"DISPLAY", "SpctGraphType", &AppSettings::SpctGraphType},
+    {"DISPLAY", "SpctScaleMode", &AppSettings::SpctScaleMode},
+    {"DISPLAY", "RoiOneColor", &AppSettings::RoiOneColor},
+    {"DISPLAY", "RoiBaseColor", RoiColor(0)},
+    {"DISPLAY", "RoiColorNo1", RoiColor(1)},
+    {"DISPLAY", "RoiColorNo2", RoiColor(2)},
+    {"DISPLAY", "RoiColorNo3", RoiColor(3)},
+    {"DISPLAY", "RoiColorNo4", RoiColor(4)},
+    {"DISPLAY", "RoiColorNo5", RoiColor(5)},
+    {"DISPLAY", "RoiColorNo6", RoiColor(6)},
+    {"DISPLAY", "RoiColorNo7", RoiColor(7)},
+    {"DISPLAY", "RoiColorNo8", RoiColor(8)},
+    {"REPORT", "HardwareSect", &AppSettings::HardwareSect},
+    {"REPORT", "DataAcqSect", &AppSettings::DataAcqSect},
+    {"REPORT", "CalibrationSect", &AppSettings::CalibrationSect},
+    {"REPORT", "ROISect", &AppSettings::ROISect},
+    {"REPORT", "PlotSect", &AppSettings::PlotSect},
+    {"REPORT", "SpctSect", &AppSettings::SpctSect},
+    {"REPORT", "RepStyle", &AppSettings::RepStyle},
+};
+
+// The keys read after the report style: a style that cannot be read ends the load with
+// these left as they were.
+constexpr Key kKeysAfterStyle[] = {
+    {"PROCESS", "EnableExtProcessing", &AppSettings::EnableExtProcessing},
+    {"PROCESS", "DataDir", &AppSettings::DataDir},
+    {"PROCESS", "FileName", &AppSettings::FileName},
+    {"PROCESS", "Program", &AppSettings::Program},
+    {"PROCESS", "StartupDir", &AppSettings::StartupDir},
+    {"PROCESS", "Arguments", &AppSettings::Arguments},
+    {"BATCH", "BatchDataDir", &AppSettings::BatchDataDir, KeyUse::BatchOnly},
+};
+
+constexpr SettingsKey<FormField> kFormKeys[] = {
+    {"FORM", "RememberLoc", &FormLocation::RememberLoc},
+    {"FORM", "Left", &FormLocation::Left},
+    {"FORM", "Top", &FormLocation::Top},
+    {"FORM", "Width", &FormLocation::Width},
+    {"FORM", "Height", &FormLocation::Height},
+    {"FORM", "State", &FormLocation::State},
+};
+
+// The field a key names, in a record or in a const record.
+template <class Object, class T, class Record>
+decltype(auto) FieldOf(Object& object, T Record::*member) {
+    return (object.*member);
+}
+template <class Object> decltype(auto) FieldOf(Object& settings, RoiColorSlot slot) {
+    return (settings.RoiColors[slot.index]);
 }
 
-void WriteReport(SettingsIni& ini, const AppSettings& s) {
-    ini.putFlag("REPORT", "HardwareSect", s.HardwareSect);
-    ini.putFlag("REPORT", "DataAcqSect", s.DataAcqSect);
-    ini.putFlag("REPORT", "CalibrationSect", s.CalibrationSect);
-    ini.putFlag("REPORT", "ROISect", s.ROISect);
-    ini.putFlag("REPORT", "PlotSect", s.PlotSect);
-    ini.putFlag("REPORT", "SpctSect", s.SpctSect);
-    ini.putText("REPORT", "RepStyle", s.RepStyle);
+// Flags and integers are read as integers, a flag being true when non-zero; texts as
+// they stand.
+void ReadValue(CPrivateINI& ini, const char* section, const char* key, bool& value, bool def) {
+    value = ini.GetLongValue(section, key, def ? kTrue : kFalse) != 0;
+}
+void ReadValue(CPrivateINI& ini, const char* section, const char* key, int32_t& value,
+               int32_t def) {
+    value = ini.GetLongValue(section, key, def);
+}
+void ReadValue(CPrivateINI& ini, const char* section, const char* key, std::string& value,
+               const std::string& def) {
+    value = ini.GetValue(section, key, def);
 }
 
-void WriteProcess(SettingsIni& ini, const AppSettings& s) {
-    ini.putFlag("PROCESS", "EnableExtProcessing", s.EnableExtProcessing);
-    ini.putText("PROCESS", "DataDir", s.DataDir);
-    ini.putText("PROCESS", "FileName", s.FileName);
-    ini.putText("PROCESS", "Program", s.Program);
-    ini.putText("PROCESS", "StartupDir", s.StartupDir);
-    ini.putText("PROCESS", "Arguments", s.Arguments);
+// Flags as -1 or 0, integers in decimal, texts as they stand (an empty one as a blank).
+void WriteValue(CPrivateINI& ini, const char* section, const char* key, bool value) {
+    ini.PutLongValue(section, key, value ? kTrue : kFalse);
+}
+void WriteValue(CPrivateINI& ini, const char* section, const char* key, int32_t value) {
+    ini.PutLongValue(section, key, value);
+}
+void WriteValue(CPrivateINI& ini, const char* section, const char* key, const std::string& value) {
+    ini.PutValue(section, key, value);
+}
+
+// Reads every key that is read, in table order; a missing key takes its value in
+// `defaults`.
+template <class Field, class Record>
+void ReadKeys(CPrivateINI& ini, std::span<const SettingsKey<Field>> keys, Record& record,
+              const Record& defaults) {
+    for (const SettingsKey<Field>& k : keys) {
+        if (k.use == KeyUse::WrittenOnly)
+            continue;
+        std::visit(
+            [&](auto field) {
+                ReadValue(ini, k.section, k.key, FieldOf(record, field), FieldOf(defaults, field));
+            },
+            k.field);
+    }
+}
+
+// Writes, in table order, the keys a batch-mode save writes (`batchOnly`) or those a
+// full save writes.
+template <class Field, class Record>
+void WriteKeys(CPrivateINI& ini, std::span<const SettingsKey<Field>> keys, const Record& record,
+               bool batchOnly) {
+    for (const SettingsKey<Field>& k : keys) {
+        if ((k.use == KeyUse::BatchOnly) != batchOnly)
+            continue;
+        std::visit([&](auto field) { WriteValue(ini, k.section, k.key, FieldOf(record, field)); },
+                   k.field);
+    }
+}
+
+CPrivateINI SettingsStore(const std::filesystem::path& path) {
+    CPrivateINI ini;
+    ini.setINIFile(path.string());
+    return ini;
 }
 
 // Half of the screen space left beside a window, rounded half to even.
@@ -160,12 +198,11 @@ bool LoadSettings(AppSettings& settings, const std::filesystem::path& appDir, Me
     // overflows) ends the load as a plain failure: the caller carries on with what was
     // read, and the user is told nothing, as the program has always done.
     try {
-        SettingsIni ini(path);
-        ReadProgram(ini, settings);
-        ReadDisplay(ini, settings);
-        ReadReport(ini, settings);
+        CPrivateINI ini = SettingsStore(path);
+        const AppSettings defaults;
+        ReadKeys<SettingsField>(ini, kKeysBeforeStyle, settings, defaults);
         settings.Style = ResolveReportStyle(LoadReportStyles(appDir, messages), settings.RepStyle);
-        ReadProcessAndBatch(ini, settings);
+        ReadKeys<SettingsField>(ini, kKeysAfterStyle, settings, defaults);
     } catch (const std::runtime_error&) {
         return false;
     }
@@ -178,38 +215,24 @@ bool SaveSettings(const AppSettings& settings, bool batchOnly,
     std::error_code ec;
     if (!std::filesystem::exists(path, ec) && !TextFileWriter{}.save(path))
         return false;
-    SettingsIni ini(path);
-    if (batchOnly) {
-        ini.putText("BATCH", "BatchDataDir", settings.BatchDataDir);
-        return true;
-    }
-    WriteProgram(ini, settings);
-    WriteDisplay(ini, settings);
-    WriteReport(ini, settings);
-    WriteProcess(ini, settings);
+    CPrivateINI ini = SettingsStore(path);
+    WriteKeys<SettingsField>(ini, kKeysBeforeStyle, settings, batchOnly);
+    WriteKeys<SettingsField>(ini, kKeysAfterStyle, settings, batchOnly);
     return true;
 }
 
 void LoadFormLocation(FormLocation& location, const std::filesystem::path& appDir,
                       int screenWidthPx, int screenHeightPx) {
-    SettingsIni ini(SettingsFilePath(appDir));
-    const FormLocation d;
-    location.RememberLoc = ini.flag("FORM", "RememberLoc", d.RememberLoc);
-    location.Left = ini.integer("FORM", "Left", CentredEdge(screenWidthPx, d.Width));
-    location.Top = ini.integer("FORM", "Top", CentredEdge(screenHeightPx, d.Height));
-    location.Width = ini.integer("FORM", "Width", d.Width);
-    location.Height = ini.integer("FORM", "Height", d.Height);
-    location.State = ini.integer("FORM", "State", d.State);
+    CPrivateINI ini = SettingsStore(SettingsFilePath(appDir));
+    FormLocation defaults;
+    defaults.Left = CentredEdge(screenWidthPx, defaults.Width);
+    defaults.Top = CentredEdge(screenHeightPx, defaults.Height);
+    ReadKeys<FormField>(ini, kFormKeys, location, defaults);
 }
 
 void SaveFormLocation(const FormLocation& location, const std::filesystem::path& appDir) {
-    SettingsIni ini(SettingsFilePath(appDir));
-    ini.putFlag("FORM", "RememberLoc", location.RememberLoc);
-    ini.putInteger("FORM", "Left", location.Left);
-    ini.putInteger("FORM", "Top", location.Top);
-    ini.putInteger("FORM", "Width", location.Width);
-    ini.putInteger("FORM", "Height", location.Height);
-    ini.putInteger("FORM", "State", location.State);
+    CPrivateINI ini = SettingsStore(SettingsFilePath(appDir));
+    WriteKeys<FormField>(ini, kFormKeys, location, false);
 }
 
 bool OfferShippedNuclideLibrary(AppSettings& settings, const std::filesystem::path& programDir) {

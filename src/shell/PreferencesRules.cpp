@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "base/TextTrim.h"
+
 namespace vexo {
 
 std::string DefaultLibraryAfterOk(std::string_view boxText, const std::string& current) {
-    const auto first = boxText.find_first_not_of(" \t");
-    const auto last = boxText.find_last_not_of(" \t");
-    std::string candidate = first == std::string_view::npos
-                                ? "none"
-                                : std::string(boxText.substr(first, last - first + 1));
+    const std::string_view trimmed = TrimBlanks(boxText);
+    std::string candidate = trimmed.empty() ? "none" : std::string(trimmed);
     std::error_code ec;
     return std::filesystem::is_regular_file(candidate, ec) ? candidate : current;
 }

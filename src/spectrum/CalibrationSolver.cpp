@@ -1,9 +1,9 @@
 #include "spectrum/CalibrationSolver.h"
 
-#include <fstream>
 #include <optional>
 
 #include "base/CPrivateINI.h"
+#include "base/FileBytes.h"
 #include "base/NumberText.h"
 #include "base/Rounding.h"
 #include "base/VexoError.h"
@@ -78,14 +78,6 @@ std::optional<std::string> FitPoints(const std::vector<CalibrationPoint>& p,
     default: // no point: nothing to fit
         return std::nullopt;
     }
-}
-
-bool CanOpen(const std::filesystem::path& path) {
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec))
-        return false;
-    std::ifstream in(path, std::ios::binary);
-    return static_cast<bool>(in);
 }
 
 } // namespace

@@ -3,21 +3,21 @@
 
 #include <numeric>
 
+#include "SimAnalyser.h"
 #include "base/NumberText.h"
-#include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
 #include "device/DeviceIO.h"
 #include "spectrum/CountRate.h"
 
 using namespace vexo;
-using vexo::test::SimDeviceSpec;
-using vexo::test::SimSession;
+using vexo::test::Model10;
+using vexo::test::SimAnalyser;
 
 namespace {
 
 // A controller on an opened simulator, recording the refresh codes it asks for.
 struct Rig {
-    explicit Rig(const SimDeviceSpec& spec = {}) : sim(spec) {
+    explicit Rig(const std::string& devices = Model10()) : sim(devices) {
         if (!sim.open())
             throw std::runtime_error("the simulated device did not open");
         sim.messages.clear();
@@ -47,7 +47,7 @@ struct Rig {
         WriteAllParams(*sim.lib, d);
     }
 
-    SimSession sim;
+    SimAnalyser sim;
     double clock = 45000.0;
     std::vector<int> codes;
     int lostCalls = 0;
@@ -64,7 +64,7 @@ int64_t SumCounts(const SpectrumDocument& d, int first, int last) {
 } // namespace
 
 TEST(AcquisitionControl, StartWithoutADeviceSaysNotConnected) {
-    SimSession sim;
+    SimAnalyser sim;
     AcquisitionController acq(*sim.lib, *sim.doc, sim.rois, sim.messages);
     EXPECT_FALSE(acq.start());
     ASSERT_EQ(sim.messages.shown().size(), 1u);
@@ -193,18 +193,18 @@ TEST(AcquisitionPanel, PresetTextFollowsThePresetMode) {
     SpectrumDocument& d = *r.sim.doc;
     d.sngPresetTime = 2.5f;
     d.lPresetCounts = 5000;
-    const std::pair<int32_t, std::string> cases[] = {
-        {0, ""},
-        {1, ""},
-        {2, "Real Time = 2.5 sec"},
-        {3, "Live Time = 2.5 sec"},
-        {4, "Counts = 5000"},
-        {5, "Counts = 5000"},
-        {6, ""},
-        {7, ""},
-        {10, "Real Time = 2.5 sec"},
-        {11, "Live Time = 2.5 sec"},
-    };
+    const std::pair<int32_t, std::string> cases[] = {{0, ""},
+                                                     {1, ""},
+                                                     {2, "Real Time = 2.5 sec"},
+                                                     {3, "Live Time = 2.5 sec"},
+                                                     {4, "Counts = 5000"},
+                                                     {5, "Counts = 5000"},
+                                                     {6, ""},
+                                                     {7, ""},
+                                                     {8, ""},
+                                                     {9, ""},
+                                                     {10, "Real Time = 2.5 sec"},
+                                                     {11, "Live Time = 2.5 sec"}};
     for (const auto& [mode, text] : cases) {
         d.lPresetMode = mode;
         ASSERT_TRUE(r.acq->DisplayStatus());
@@ -228,12 +228,9 @@ TEST(AcquisitionPanel, StatusTextPrecedence) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.expected);
-        SimDeviceSpec spec;
-        spec.serial = c.serial;
-        spec.hvInhibit = c.inhibit;
-        spec.hvOnAtPowerUp = false;
-        spec.hvRampSeconds = 30.0;
-        Rig r(spec);
+        Rig r(
+            test::SimDevice(1, c.serial, "KORV-10-001",
+                            std::string("HVRampSeconds=30\nHVInhibit=") + (c.inhibit ? "1" : "0")));
         r.sim.lib->setParam(r.sim.doc->hDevice, DeviceParamId::HVState, int32_t{1});
         r.acq->setBatchMode(c.batch);
         ASSERT_TRUE(r.acq->DisplayStatus());
@@ -261,9 +258,7 @@ TEST(AcquisitionPanel, McsModeShowsTheChannelBeingFilled) {
 }
 
 TEST(AcquisitionFaults, FailingStatusPollChangesNothing) {
-    SimDeviceSpec spec;
-    spec.failParam = "22:-12"; // the HV word cannot be read: every poll fails
-    Rig r(spec);
+    Rig r(Model10("FailParam=22:-12")); // the HV word cannot be read: every poll fails
     ASSERT_FALSE(r.acq->DisplayStatus());
     EXPECT_EQ(r.acq->panelTexts().status, "");
     ASSERT_TRUE(r.acq->start());
@@ -275,9 +270,7 @@ TEST(AcquisitionFaults, FailingStatusPollChangesNothing) {
 }
 
 TEST(AcquisitionFaults, MissingInputCountsLeaveTheIcrTextAlone) {
-    SimDeviceSpec spec;
-    spec.failParam = "35:-7";
-    Rig r(spec);
+    Rig r(Model10("FailParam=35:-7"));
     r.applyPreset(3, 100.0f);
     ASSERT_TRUE(r.acq->start());
     for (int i = 0; i < 4; ++i)
@@ -288,9 +281,7 @@ TEST(AcquisitionFaults, MissingInputCountsLeaveTheIcrTextAlone) {
 }
 
 TEST(AcquisitionFaults, LostDeviceIsReportedClosedAndCanBeReopened) {
-    SimDeviceSpec spec;
-    spec.disconnectAfter = 3.0;
-    Rig r(spec);
+    Rig r(Model10("DisconnectAfter=3"));
     r.applyPreset(3, 1000.0f);
     r.acq->clear();
     ASSERT_TRUE(r.acq->start());

@@ -7,24 +7,26 @@
 #include <filesystem>
 #include <thread>
 
+#include "SimAnalyser.h"
 #include "base/DateTime.h"
 #include "base/TextFile.h"
-#include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
+#include "device/ConnectionController.h"
 #include "device/DeviceIO.h"
 #include "shell/AppSettings.h"
 #include "spectrum/SpectrumFile.h"
 
 using namespace vexo;
-using vexo::test::SimDeviceSpec;
-using vexo::test::SimSession;
+using vexo::test::Model10;
+using vexo::test::SimAnalyser;
 namespace fs = std::filesystem;
 
 namespace {
 
 struct BatchRig {
-    explicit BatchRig(const SimDeviceSpec& spec = {}, float liveSeconds = 1.0f) : sim(spec) {
+    explicit BatchRig(const std::string& devices = Model10(), float liveSeconds = 1.0f)
+        : sim(devices) {
         if (!sim.open())
             throw std::runtime_error("the simulated device did not open");
         sim.messages.clear();
@@ -79,7 +81,7 @@ struct BatchRig {
         return names;
     }
 
-    SimSession sim;
+    SimAnalyser sim;
     fs::path out = sim.dir() / "spectra";
     double clock = SerialFromParts({2024, 1, 31, 14, 25, 1});
     AppSettings settings;
@@ -174,7 +176,7 @@ TEST(BatchSequence, WaitCountsDownInHalfSeconds) {
 }
 
 TEST(BatchSequence, ClearBetweenMeasurementsGivesEqualLiveTimes) {
-    BatchRig r({}, 2.0f);
+    BatchRig r(Model10(), 2.0f);
     BatchSettings s = r.Settings(3);
     s.bBatchClear = true;
     r.batch->begin(s);
@@ -260,9 +262,7 @@ TEST(BatchFaults, FailingSaveIsReportedAndTheSequenceGoesOn) {
 }
 
 TEST(BatchFaults, LostDeviceEndsTheBatchWithoutSavingAPartialSpectrum) {
-    SimDeviceSpec spec;
-    spec.disconnectAfter = 6.0;
-    BatchRig r(spec, 2.0f);
+    BatchRig r(Model10("DisconnectAfter=6"), 2.0f);
     BatchSettings s = r.Settings(20);
     s.bBatchClear = true;
     r.batch->begin(s);
@@ -291,7 +291,7 @@ TEST(BatchFaults, LostDeviceEndsTheBatchWithoutSavingAPartialSpectrum) {
 }
 
 TEST(BatchSoak, TwoHundredMeasurementsGiveTwoHundredCorrectFiles) {
-    BatchRig r({}, 1.0f);
+    BatchRig r;
     BatchSettings s = r.Settings(200);
     s.bBatchClear = true;
     s.bBatchWait = true;

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "SimDeviceFixture.h"
+#include "SimAnalyser.h"
 #include "base/Messages.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceSearch.h"
@@ -16,12 +16,9 @@ namespace {
 
 // Three devices, found one per FindDevicesEx call.
 std::string ThreeDevices() {
-    return "[Device1]\nSerial=10230417\nPath=KORV-10-001\nName=KORV MCA-10\nType=2\n"
-           "Firmware=V3.4\n\n"
-           "[Device2]\nSerial=08190233\nPath=192.168.0.42\nName=KORV MCA-8\nType=3\n"
-           "Firmware=V3.2\n\n"
-           "[Device3]\nSerial=06110108\nPath=KORV-06-003\nName=KORV MCA-6\nType=1\n"
-           "Firmware=V2.1\n";
+    return test::SimDevice(1, "10230417", "KORV-10-001", "Type=2") +
+           test::SimDevice(2, "08190233", "192.168.0.42", "Name=KORV MCA-8\nType=3") +
+           test::SimDevice(3, "06110108", "KORV-06-003", "Type=1");
 }
 
 // Records what the connection asks of the main window.
@@ -43,8 +40,14 @@ struct HookLog {
     }
 };
 
-class ConnectionTest : public test::SimDeviceTest {
+class ConnectionTest : public ::testing::Test {
 protected:
+    DeviceLibrary& Load(const std::string& devices) {
+        m_sim.write(devices);
+        return *m_sim.lib;
+    }
+
+    test::SimAnalyser m_sim;
     ScriptedMessages m_messages;
     HookLog m_log;
     AppSettings m_settings;
@@ -53,7 +56,7 @@ protected:
     ConnectionHooks connectionHooks() {
         ConnectionHooks h = m_log.hooks();
         h.rememberDetector = [this](const std::string& path) {
-            RememberDetector(m_settings, path, m_dir.path(), m_messages);
+            RememberDetector(m_settings, path, m_sim.dir(), m_messages);
         };
         return h;
     }
@@ -116,8 +119,8 @@ TEST_F(ConnectionTest, OpenOnAnEmptyListIsRefused) {
 
 TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
     DeviceLibrary& lib = Load(ThreeDevices());
-    m_doc->bFromFile = true;
-    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
+    m_sim.doc->bFromFile = true;
+    ConnectionController ctl(lib, *m_sim.doc, m_messages, connectionHooks());
     int chooserCalls = 0;
     auto chooser = [&] {
         ++chooserCalls;
@@ -129,13 +132,13 @@ TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
         return c;
     };
     EXPECT_TRUE(ctl.connect(chooser));
-    EXPECT_TRUE(m_doc->bConnected);
-    EXPECT_NE(m_doc->hDevice, 0);
-    EXPECT_FALSE(m_doc->bFromFile);
-    EXPECT_EQ(m_doc->szDeviceName, "KORV MCA-10");
-    EXPECT_EQ(m_doc->szDeviceSerial, "10230417");
+    EXPECT_TRUE(m_sim.doc->bConnected);
+    EXPECT_NE(m_sim.doc->hDevice, 0);
+    EXPECT_FALSE(m_sim.doc->bFromFile);
+    EXPECT_EQ(m_sim.doc->szDeviceName, "KORV MCA-10");
+    EXPECT_EQ(m_sim.doc->szDeviceSerial, "10230417");
     EXPECT_EQ(m_settings.DetectorPath, "USB:KORV-10-001");
-    EXPECT_EQ(m_doc->szDevicePath, "USB:KORV-10-001");
+    EXPECT_EQ(m_sim.doc->szDevicePath, "USB:KORV-10-001");
     EXPECT_EQ(m_log.refreshCodes, (std::vector<int>{kRefreshDeviceState, kRefreshConnection}));
     EXPECT_EQ(m_log.refreshTimer, (std::vector<bool>{true}));
     EXPECT_EQ(m_log.settingsRefreshes, 1);
@@ -145,7 +148,7 @@ TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
     // The settings file now remembers the detector.
     AppSettings reloaded;
     ScriptedMessages loadMessages; // loading may remark on the missing report styles
-    ASSERT_TRUE(LoadSettings(reloaded, m_dir.path(), loadMessages));
+    ASSERT_TRUE(LoadSettings(reloaded, m_sim.dir(), loadMessages));
     EXPECT_EQ(reloaded.DetectorPath, "USB:KORV-10-001");
 
     // A second Connect is refused before the list is shown.
@@ -155,10 +158,10 @@ TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
     EXPECT_EQ(m_messages.shown()[0].text, "Already connected");
     EXPECT_EQ(m_messages.shown()[0].icon, MsgIcon::Exclamation);
 
-    const int32_t handle = m_doc->hDevice;
+    const int32_t handle = m_sim.doc->hDevice;
     ctl.disconnect();
-    EXPECT_EQ(m_doc->hDevice, 0);
-    EXPECT_FALSE(m_doc->bConnected);
+    EXPECT_EQ(m_sim.doc->hDevice, 0);
+    EXPECT_FALSE(m_sim.doc->bConnected);
     EXPECT_EQ(m_log.windowsClosed, 1);
     EXPECT_EQ(m_log.refreshTimer.back(), false);
     EXPECT_EQ(m_log.refreshCodes.back(), kRefreshAll);
@@ -171,22 +174,22 @@ TEST_F(ConnectionTest, ConnectStoresDetectorPathAndDisconnectCloses) {
 
 TEST_F(ConnectionTest, CancelledListOpensNothing) {
     DeviceLibrary& lib = Load(ThreeDevices());
-    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
+    ConnectionController ctl(lib, *m_sim.doc, m_messages, connectionHooks());
     EXPECT_FALSE(ctl.connect([] { return DeviceChoice{}; }));
-    EXPECT_EQ(m_doc->hDevice, 0);
+    EXPECT_EQ(m_sim.doc->hDevice, 0);
     EXPECT_TRUE(m_log.refreshCodes.empty());
-    EXPECT_FALSE(std::filesystem::exists(SettingsFilePath(m_dir.path())));
+    EXPECT_FALSE(std::filesystem::exists(SettingsFilePath(m_sim.dir())));
 }
 
 TEST_F(ConnectionTest, FailedOpenIsReportedByConnectOnly) {
-    DeviceLibrary& lib = Load(Model10() + "OpenFailures=1\n");
-    OpenMca(lib, *m_doc, m_messages, m_log.hooks(), "KORV-10-001", "", false);
-    EXPECT_FALSE(m_doc->bConnected);
+    DeviceLibrary& lib = Load(test::Model10() + "OpenFailures=1\n");
+    OpenMca(lib, *m_sim.doc, m_messages, m_log.hooks(), "KORV-10-001", "", false);
+    EXPECT_FALSE(m_sim.doc->bConnected);
     EXPECT_TRUE(m_messages.shown().empty());
 
-    OpenMca(lib, *m_doc, m_messages, m_log.hooks(), "NO-SUCH-DEVICE", "", true);
-    EXPECT_FALSE(m_doc->bConnected);
-    EXPECT_EQ(m_doc->hDevice, 0);
+    OpenMca(lib, *m_sim.doc, m_messages, m_log.hooks(), "NO-SUCH-DEVICE", "", true);
+    EXPECT_FALSE(m_sim.doc->bConnected);
+    EXPECT_EQ(m_sim.doc->hDevice, 0);
     ASSERT_EQ(m_messages.shown().size(), 1u);
     EXPECT_EQ(m_messages.shown()[0].text.rfind("Could not open MCA: ", 0), 0u)
         << m_messages.shown()[0].text;
@@ -197,8 +200,8 @@ TEST_F(ConnectionTest, FailedOpenIsReportedByConnectOnly) {
 }
 
 TEST_F(ConnectionTest, ConnectShowsTheOpenError) {
-    DeviceLibrary& lib = Load(Model10() + "OpenFailures=1\n");
-    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
+    DeviceLibrary& lib = Load(test::Model10() + "OpenFailures=1\n");
+    ConnectionController ctl(lib, *m_sim.doc, m_messages, connectionHooks());
     m_settings.DetectorPath = "ETH:old";
     auto chooser = [] { return DeviceChoice{kDevicesOpen, "KORV-10-001", "KORV MCA-10", 2}; };
     EXPECT_FALSE(ctl.connect(chooser));
@@ -210,43 +213,43 @@ TEST_F(ConnectionTest, ConnectShowsTheOpenError) {
 }
 
 TEST_F(ConnectionTest, UnknownTypeRemembersAnEmptyPath) {
-    DeviceLibrary& lib = Load(Model10());
-    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
+    DeviceLibrary& lib = Load(test::Model10());
+    ConnectionController ctl(lib, *m_sim.doc, m_messages, connectionHooks());
     m_settings.DetectorPath = "USB:before";
     EXPECT_TRUE(ctl.connect([] { return DeviceChoice{kDevicesOpen, "KORV-10-001", "", 7}; }));
     EXPECT_EQ(m_settings.DetectorPath, "");
-    EXPECT_EQ(m_doc->szDevicePath, "KORV-10-001");
+    EXPECT_EQ(m_sim.doc->szDevicePath, "KORV-10-001");
 }
 
 TEST_F(ConnectionTest, AutoConnectRetriesUntilTheDeviceOpens) {
-    DeviceLibrary& lib = Load(Model10() + "OpenFailures=3\n");
+    DeviceLibrary& lib = Load(test::Model10("OpenFailures=3\nHVOnAtPowerUp=0"));
     m_settings.DetectorPath = "USB:KORV-10-001";
-    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    AutoConnect autoConnect(lib, *m_sim.doc, m_messages, m_log.hooks());
     autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     EXPECT_TRUE(autoConnect.windowOpen());
     for (int attempt = 1; attempt <= 3; ++attempt) {
         autoConnect.tick();
-        EXPECT_FALSE(m_doc->bConnected) << attempt;
+        EXPECT_FALSE(m_sim.doc->bConnected) << attempt;
         EXPECT_TRUE(autoConnect.timerEnabled());
         EXPECT_EQ(autoConnect.progress(), attempt);
         EXPECT_EQ(autoConnect.label(), "Connecting to KORV-10-001");
     }
     autoConnect.tick();
-    EXPECT_TRUE(m_doc->bConnected);
+    EXPECT_TRUE(m_sim.doc->bConnected);
     EXPECT_EQ(autoConnect.attempts(), 4);
     EXPECT_FALSE(autoConnect.timerEnabled());
     EXPECT_FALSE(autoConnect.windowOpen());
     EXPECT_TRUE(m_messages.shown().empty()); // the start-up path never reports a failure
-    EXPECT_EQ(m_doc->szDevicePath, "USB:KORV-10-001");
-    EXPECT_EQ(m_doc->lHVOn & kHVOn, 0); // ApplyHV is off
-    autoConnect.tick();                 // the timer is off: nothing more happens
+    EXPECT_EQ(m_sim.doc->szDevicePath, "USB:KORV-10-001");
+    EXPECT_EQ(m_sim.doc->lHVOn & kHVOn, 0); // ApplyHV is off
+    autoConnect.tick();                     // the timer is off: nothing more happens
     EXPECT_EQ(autoConnect.attempts(), 4);
 }
 
 TEST_F(ConnectionTest, AutoConnectProgressCyclesThroughTenSteps) {
-    DeviceLibrary& lib = Load(Model10() + "OpenFailures=1000\n");
+    DeviceLibrary& lib = Load(test::Model10() + "OpenFailures=1000\n");
     m_settings.DetectorPath = "USB:KORV-10-001";
-    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    AutoConnect autoConnect(lib, *m_sim.doc, m_messages, m_log.hooks());
     autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     for (int i = 0; i < 9; ++i)
         autoConnect.tick();
@@ -259,9 +262,9 @@ TEST_F(ConnectionTest, AutoConnectProgressCyclesThroughTenSteps) {
 }
 
 TEST_F(ConnectionTest, CancelStopsTheRetriesAtTheNextTick) {
-    DeviceLibrary& lib = Load(Model10() + "OpenFailures=1000\n");
+    DeviceLibrary& lib = Load(test::Model10() + "OpenFailures=1000\n");
     m_settings.DetectorPath = "USB:KORV-10-001";
-    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    AutoConnect autoConnect(lib, *m_sim.doc, m_messages, m_log.hooks());
     autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     autoConnect.tick();
     autoConnect.tick();
@@ -271,47 +274,47 @@ TEST_F(ConnectionTest, CancelStopsTheRetriesAtTheNextTick) {
     autoConnect.tick();
     EXPECT_FALSE(autoConnect.timerEnabled());
     EXPECT_EQ(autoConnect.attempts(), 2);
-    EXPECT_FALSE(m_doc->bConnected);
+    EXPECT_FALSE(m_sim.doc->bConnected);
 }
 
 TEST_F(ConnectionTest, UnusableDetectorPathClosesTheWindowAtOnce) {
-    DeviceLibrary& lib = Load(Model10());
+    DeviceLibrary& lib = Load(test::Model10());
     for (const char* remembered : {"USB:", "usb:KORV-10-001", "", "KORV-10-001"}) {
         m_settings.DetectorPath = remembered;
-        AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+        AutoConnect autoConnect(lib, *m_sim.doc, m_messages, m_log.hooks());
         autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
         autoConnect.tick();
         EXPECT_FALSE(autoConnect.windowOpen()) << remembered;
         EXPECT_FALSE(autoConnect.timerEnabled()) << remembered;
         EXPECT_EQ(autoConnect.attempts(), 0) << remembered;
-        EXPECT_FALSE(m_doc->bConnected);
+        EXPECT_FALSE(m_sim.doc->bConnected);
     }
 }
 
 TEST_F(ConnectionTest, AutoConnectSwitchesHighVoltageOnWhenAsked) {
-    DeviceLibrary& lib = Load(Model10());
+    DeviceLibrary& lib = Load(test::Model10("HVOnAtPowerUp=0"));
     m_settings.DetectorPath = "USB:KORV-10-001";
     m_settings.ApplyHV = true;
-    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    AutoConnect autoConnect(lib, *m_sim.doc, m_messages, m_log.hooks());
     autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     autoConnect.tick();
-    ASSERT_TRUE(m_doc->bConnected);
-    EXPECT_EQ(m_doc->lHVOn, 1);
+    ASSERT_TRUE(m_sim.doc->bConnected);
+    EXPECT_EQ(m_sim.doc->lHVOn, 1);
     int32_t hv = 0;
-    ASSERT_EQ(lib.getParam(m_doc->hDevice, DeviceParamId::HVState, hv), 0);
+    ASSERT_EQ(lib.getParam(m_sim.doc->hDevice, DeviceParamId::HVState, hv), 0);
     EXPECT_NE(hv & kHVOn, 0);
     EXPECT_EQ(m_log.settingsRefreshes, 2); // after opening and after the HV switch
     EXPECT_TRUE(m_messages.shown().empty());
 }
 
 TEST_F(ConnectionTest, HighVoltageFailureIsShownAndTheDeviceStaysConnected) {
-    DeviceLibrary& lib = Load(Model10() + "FailParam=22:-16\n");
+    DeviceLibrary& lib = Load(test::Model10() + "FailParam=22:-16\n");
     m_settings.DetectorPath = "USB:KORV-10-001";
     m_settings.ApplyHV = true;
-    AutoConnect autoConnect(lib, *m_doc, m_messages, m_log.hooks());
+    AutoConnect autoConnect(lib, *m_sim.doc, m_messages, m_log.hooks());
     autoConnect.start(m_settings.DetectorPath, m_settings.ApplyHV);
     autoConnect.tick();
-    EXPECT_TRUE(m_doc->bConnected);
+    EXPECT_TRUE(m_sim.doc->bConnected);
     ASSERT_EQ(m_messages.shown().size(), 1u);
     EXPECT_EQ(m_messages.shown()[0].text, "Failed to turn High Voltage ON: Parameter out of range");
     EXPECT_EQ(m_messages.shown()[0].title, "Vexo");
@@ -321,12 +324,12 @@ TEST_F(ConnectionTest, HighVoltageFailureIsShownAndTheDeviceStaysConnected) {
 }
 
 TEST_F(ConnectionTest, ExitClosesTheDevice) {
-    DeviceLibrary& lib = Load(Model10());
-    ConnectionController ctl(lib, *m_doc, m_messages, connectionHooks());
+    DeviceLibrary& lib = Load(test::Model10());
+    ConnectionController ctl(lib, *m_sim.doc, m_messages, connectionHooks());
     ASSERT_TRUE(ctl.connect([] { return DeviceChoice{kDevicesOpen, "USB:KORV-10-001", "", 2}; }));
-    const int32_t handle = m_doc->hDevice;
+    const int32_t handle = m_sim.doc->hDevice;
     ctl.exit();
-    EXPECT_EQ(m_doc->hDevice, 0);
+    EXPECT_EQ(m_sim.doc->hDevice, 0);
     int32_t status = 0;
     EXPECT_LT(lib.getAcquisitionStatus(handle, status), 0);
     ctl.exit(); // nothing open: nothing to do

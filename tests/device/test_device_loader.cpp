@@ -11,29 +11,6 @@
 namespace vexo {
 namespace {
 
-// Sets an environment variable for one scope and restores it afterwards.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const std::string& value) : m_name(name) {
-        if (const char* old = std::getenv(name)) {
-            m_had = true;
-            m_old = old;
-        }
-        setenv(name, value.c_str(), 1);
-    }
-    ~ScopedEnv() {
-        if (m_had)
-            setenv(m_name, m_old.c_str(), 1);
-        else
-            unsetenv(m_name);
-    }
-
-private:
-    const char* m_name;
-    bool m_had = false;
-    std::string m_old;
-};
-
 std::filesystem::path SimulatedLibrary() {
     return test::BinDir() / "libKORVHW.so";
 }
@@ -67,7 +44,7 @@ TEST(DeviceLibraryLoader, LibraryWithoutTheExportsNamesTheMissingOne) {
 }
 
 TEST(DeviceLibraryLoader, EnvironmentOverridesThePath) {
-    ScopedEnv env("VEXO_DEVICE_LIBRARY", "/nowhere/libX.so");
+    test::ScopedEnv env("VEXO_DEVICE_LIBRARY", "/nowhere/libX.so");
     EXPECT_EQ(DeviceLibrary::ResolvePath(), std::filesystem::path("/nowhere/libX.so"));
     DeviceLibraryLoad load = DeviceLibrary::Load();
     EXPECT_EQ(load.library, nullptr);
@@ -75,7 +52,7 @@ TEST(DeviceLibraryLoader, EnvironmentOverridesThePath) {
 }
 
 TEST(DeviceLibraryLoader, WithoutEnvironmentTheExecutablesFolderComesFirst) {
-    ScopedEnv env("VEXO_DEVICE_LIBRARY", "");
+    test::ScopedEnv env("VEXO_DEVICE_LIBRARY", "");
     const std::filesystem::path resolved = DeviceLibrary::ResolvePath();
     // The test executables sit beside the simulated library in the build's bin folder.
     if (std::filesystem::exists(SimulatedLibrary())) {
@@ -84,33 +61,11 @@ TEST(DeviceLibraryLoader, WithoutEnvironmentTheExecutablesFolderComesFirst) {
     EXPECT_EQ(DeviceLibrary::DefaultFileName(), "libKORVHW.so");
 }
 
-TEST(DeviceLibraryLoader, SimulatedLibraryResolvesEveryExportAndLoadsTwice) {
+TEST(DeviceLibraryLoader, SimulatedLibraryLoadsTwice) {
     if (!std::filesystem::exists(SimulatedLibrary()))
         GTEST_SKIP() << "simulated library not built: " << SimulatedLibrary();
     DeviceLibrary first(SimulatedLibrary());
     DeviceLibrary second(SimulatedLibrary());
-    const KorvhwFunctions& fn = first.functions();
-    for (const void* p : {(const void*)fn.FindDevicesEx,
-                          (const void*)fn.FindDevices,
-                          (const void*)fn.GetDeviceInfo,
-                          (const void*)fn.OpenDevice,
-                          (const void*)fn.OpenDeviceEx,
-                          (const void*)fn.CloseDevice,
-                          (const void*)fn.GetParam,
-                          (const void*)fn.SetParam,
-                          (const void*)fn.StartAcquisition,
-                          (const void*)fn.StopAcquisition,
-                          (const void*)fn.ClearAll,
-                          (const void*)fn.ClearMemory,
-                          (const void*)fn.ClearTime,
-                          (const void*)fn.RestoreDefaults,
-                          (const void*)fn.GetAcquisitionStatus,
-                          (const void*)fn.ReadSpectrum,
-                          (const void*)fn.ArmScope,
-                          (const void*)fn.GetScopeStatus,
-                          (const void*)fn.ReadScope,
-                          (const void*)fn.SaveSettings})
-        EXPECT_NE(p, nullptr);
     EXPECT_EQ(first.functions().OpenDevice, second.functions().OpenDevice);
     // A call on a handle that was never opened is refused with a status, not a crash.
     int32_t status = 0;

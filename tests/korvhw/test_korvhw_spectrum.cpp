@@ -1,6 +1,6 @@
 // The shape of the simulated spectra: peak widths of both detector types, the
 // features of a Cs-137 spectrum in NaI, and the threshold and fine-gain response.
-#include "KorvhwFixture.h"
+#include "KorvhwTest.h"
 
 namespace vexo::test {
 namespace {
@@ -28,17 +28,8 @@ double Mean(const Readout& r, int32_t first, int32_t last) {
 class KorvhwSpectrum : public KorvhwTest {
 protected:
     void SetUp() override {
-        KorvhwTest::SetUp();
-        UseConfig(DeviceSection(1, "10000001", "NAI", "Sources=Cs-137:20000\r\nNoiseRate=0") +
-                  DeviceSection(2, "08000002", "GE", "Detector=HPGe\r\nSources=Co-60:5000"));
-    }
-    Readout Acquire(int32_t h, int32_t polls) {
-        EXPECT_EQ(lib().ClearAll(h), 0);
-        EXPECT_EQ(lib().StartAcquisition(h), 0);
-        for (int32_t i = 0; i < polls; ++i)
-            Status(h);
-        EXPECT_EQ(lib().StopAcquisition(h), 0);
-        return Read(h);
+        UseConfig(SimDevice(1, "10000001", "NAI", kHvOn + "Sources=Cs-137:20000\nNoiseRate=0") +
+                  SimDevice(2, "08000002", "GE", kHvOn + "Detector=HPGe\nSources=Co-60:5000"));
     }
 };
 
@@ -75,11 +66,11 @@ TEST_F(KorvhwSpectrum, ThresholdRemovesLowPulsesBeforeTheyCostDeadTime) {
     const int32_t h = Open("NAI");
     Readout r = Acquire(h, 4);
     int32_t lowInput = 0, highInput = 0;
-    ASSERT_EQ(GetInt(h, 35, lowInput), 0);
+    ASSERT_EQ(Get(h, 35, lowInput), 0);
     EXPECT_GT(r.sum(0, 20), 0);
     ASSERT_EQ(SetInt(h, 18, 400), 0); // 400/16384 of full scale: channel 25 of 1024
     r = Acquire(h, 4);
-    ASSERT_EQ(GetInt(h, 35, highInput), 0);
+    ASSERT_EQ(Get(h, 35, highInput), 0);
     EXPECT_EQ(r.sum(0, 24), 0);
     EXPECT_LT(highInput, lowInput * 0.95) << "X-rays no longer trigger";
 }

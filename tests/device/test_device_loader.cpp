@@ -5,69 +5,44 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "TestSupport.h"
+#include "SimAnalyser.h"
 #include "device/DeviceLibrary.h"
 
 namespace vexo {
 namespace {
 
-std::filesystem::path SimulatedLibrary() {
-    return test::BinDir() / "libKORVHW.so";
-}
-
-TEST(DeviceLibraryLoader, MissingLibraryIsNamedInTheError) {
-    test::TempDir dir;
-    const auto missing = dir / "libNOPE.so";
-    DeviceLibraryLoad load = DeviceLibrary::Load(missing);
-    EXPECT_EQ(load.library, nullptr);
-    EXPECT_NE(load.error.find(missing.string()), std::string::npos) << load.error;
-    EXPECT_THROW(DeviceLibrary{missing}, DeviceLibraryError);
-}
-
-TEST(DeviceLibraryLoader, NotALibraryIsRefused) {
+TEST(DeviceLibraryLoader, RefusalsNameTheFileOrTheMissingExport) {
     test::TempDir dir;
     test::WriteBytes(dir / "libKORVHW.so", "this is not a shared object\n");
-    DeviceLibraryLoad load = DeviceLibrary::Load(dir / "libKORVHW.so");
-    EXPECT_EQ(load.library, nullptr);
-    EXPECT_NE(load.error.find("libKORVHW.so"), std::string::npos) << load.error;
-}
-
-TEST(DeviceLibraryLoader, LibraryWithoutTheExportsNamesTheMissingOne) {
-    // The C maths library loads fine but exports none of the device operations; the
-    // first one looked up is FindDevicesEx.
-    DeviceLibraryLoad load = DeviceLibrary::Load("libm.so.6");
-    if (load.error.find("Cannot load") != std::string::npos)
-        GTEST_SKIP() << "no libm.so.6 on this system: " << load.error;
-    ASSERT_EQ(load.library, nullptr);
-    EXPECT_NE(load.error.find("has no export FindDevicesEx"), std::string::npos) << load.error;
-    EXPECT_NE(load.error.find("libm.so.6"), std::string::npos) << load.error;
-}
-
-TEST(DeviceLibraryLoader, EnvironmentOverridesThePath) {
-    test::ScopedEnv env("VEXO_DEVICE_LIBRARY", "/nowhere/libX.so");
-    EXPECT_EQ(DeviceLibrary::ResolvePath(), std::filesystem::path("/nowhere/libX.so"));
-    DeviceLibraryLoad load = DeviceLibrary::Load();
-    EXPECT_EQ(load.library, nullptr);
-    EXPECT_NE(load.error.find("/nowhere/libX.so"), std::string::npos);
-}
-
-TEST(DeviceLibraryLoader, WithoutEnvironmentTheExecutablesFolderComesFirst) {
-    test::ScopedEnv env("VEXO_DEVICE_LIBRARY", "");
-    const std::filesystem::path resolved = DeviceLibrary::ResolvePath();
-    // The test executables sit beside the simulated library in the build's bin folder.
-    if (std::filesystem::exists(SimulatedLibrary())) {
-        EXPECT_EQ(resolved, test::BinDir() / "libKORVHW.so");
+    const std::pair<std::filesystem::path, const char*> cases[] = {
+        {dir / "libNOPE.so", "Cannot load"},
+        {dir / "libKORVHW.so", "Cannot load"},
+        // The C maths library loads but exports none of the device operations; the
+        // first one looked up is FindDevicesEx.
+        {"libm.so.6", "has no export FindDevicesEx"}};
+    for (const auto& [path, reason] : cases) {
+        DeviceLibraryLoad load = DeviceLibrary::Load(path);
+        EXPECT_EQ(load.library, nullptr);
+        EXPECT_NE(load.error.find(path.string()), std::string::npos) << load.error;
+        EXPECT_NE(load.error.find(reason), std::string::npos) << load.error;
     }
-    EXPECT_EQ(DeviceLibrary::DefaultFileName(), "libKORVHW.so");
+    EXPECT_THROW(DeviceLibrary{dir / "libNOPE.so"}, DeviceLibraryError);
 }
 
-TEST(DeviceLibraryLoader, SimulatedLibraryLoadsTwice) {
-    if (!std::filesystem::exists(SimulatedLibrary()))
-        GTEST_SKIP() << "simulated library not built: " << SimulatedLibrary();
-    DeviceLibrary first(SimulatedLibrary());
-    DeviceLibrary second(SimulatedLibrary());
+TEST(DeviceLibraryLoader, PathFromTheEnvironmentOrBesideTheExecutable) {
+    {
+        test::ScopedEnv env("VEXO_DEVICE_LIBRARY", "/nowhere/libX.so");
+        EXPECT_EQ(DeviceLibrary::ResolvePath(), std::filesystem::path("/nowhere/libX.so"));
+        EXPECT_NE(DeviceLibrary::Load().error.find("/nowhere/libX.so"), std::string::npos);
+    }
+    // The test executables sit beside the simulated library in the build's bin folder.
+    test::ScopedEnv env("VEXO_DEVICE_LIBRARY", "");
+    EXPECT_EQ(DeviceLibrary::ResolvePath(), test::SimLibraryPath());
+    EXPECT_EQ(DeviceLibrary::DefaultFileName(), "libKORVHW.so");
+    // It loads twice in one process; a handle never opened is refused, not a crash.
+    DeviceLibrary first(test::SimLibraryPath());
+    DeviceLibrary second(test::SimLibraryPath());
     EXPECT_EQ(first.functions().OpenDevice, second.functions().OpenDevice);
-    // A call on a handle that was never opened is refused with a status, not a crash.
     int32_t status = 0;
     EXPECT_LT(first.getAcquisitionStatus(12345, status), 0);
 }

@@ -30,10 +30,8 @@ struct Rig {
     // Ticks until the acquisition is no longer believed to run; the number of ticks.
     int runToEnd(int limit = 400) {
         int n = 0;
-        while (acq->bAcqActive() && n < limit) {
+        for (; acq->bAcqActive() && n < limit; ++n)
             acq->tick();
-            ++n;
-        }
         return n;
     }
     void applyPreset(int32_t mode, float seconds, int32_t counts = 0, int32_t first = 0,
@@ -122,18 +120,15 @@ TEST(AcquisitionControl, ClearWhileRunningRestartsFromZeroWithANewStartTime) {
 }
 
 TEST(AcquisitionControl, DeviceStopsAtItsPreset) {
-    struct Case {
+    const struct {
         const char* name;
         int32_t mode;
         float seconds;
         int32_t counts, first, last;
-    };
-    const Case cases[] = {
-        {"live", 3, 4.0f, 0, 0, 0},
-        {"real", 2, 3.0f, 0, 0, 0},
-        {"counts", 4, 0.0f, 2000, 0, 16383},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"live", 3, 4.0f, 0, 0, 0},
+                 {"real", 2, 3.0f, 0, 0, 0},
+                 {"counts", 4, 0.0f, 2000, 0, 16383}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         Rig r;
         r.applyPreset(c.mode, c.seconds, c.counts, c.first, c.last);
@@ -193,40 +188,39 @@ TEST(AcquisitionPanel, PresetTextFollowsThePresetMode) {
     SpectrumDocument& d = *r.sim.doc;
     d.sngPresetTime = 2.5f;
     d.lPresetCounts = 5000;
-    const std::pair<int32_t, std::string> cases[] = {{0, ""},
-                                                     {1, ""},
-                                                     {2, "Real Time = 2.5 sec"},
-                                                     {3, "Live Time = 2.5 sec"},
-                                                     {4, "Counts = 5000"},
-                                                     {5, "Counts = 5000"},
-                                                     {6, ""},
-                                                     {7, ""},
-                                                     {8, ""},
-                                                     {9, ""},
-                                                     {10, "Real Time = 2.5 sec"},
-                                                     {11, "Live Time = 2.5 sec"}};
-    for (const auto& [mode, text] : cases) {
+    // The text of preset modes 0 to 11.
+    const char* texts[] = {"",
+                           "",
+                           "Real Time = 2.5 sec",
+                           "Live Time = 2.5 sec",
+                           "Counts = 5000",
+                           "Counts = 5000",
+                           "",
+                           "",
+                           "",
+                           "",
+                           "Real Time = 2.5 sec",
+                           "Live Time = 2.5 sec"};
+    for (int32_t mode = 0; mode < 12; ++mode) {
         d.lPresetMode = mode;
         ASSERT_TRUE(r.acq->DisplayStatus());
-        EXPECT_EQ(r.acq->panelTexts().preset, text) << "mode " << mode;
+        EXPECT_EQ(r.acq->panelTexts().preset, texts[mode]) << "mode " << mode;
     }
 }
 
 TEST(AcquisitionPanel, StatusTextPrecedence) {
-    struct Case {
-        const char* serial;
-        bool inhibit;
-        bool batch;
-        const char* expected;
-    };
     // HV switched on just now: the "10" model reports the ramp first; other models only
     // know the status word.
-    const Case cases[] = {
-        {"10230417", false, false, "HV ramping"},        {"10230417", true, false, "HV Inhibit"},
-        {"10230417", false, true, "(Batch) HV ramping"}, {"08190233", false, false, "Stopped"},
-        {"06110108", true, true, "(Batch) Stopped"},
-    };
-    for (const Case& c : cases) {
+    const struct {
+        const char* serial;
+        bool inhibit, batch;
+        const char* expected;
+    } cases[] = {{"10230417", false, false, "HV ramping"},
+                 {"10230417", true, false, "HV Inhibit"},
+                 {"10230417", false, true, "(Batch) HV ramping"},
+                 {"08190233", false, false, "Stopped"},
+                 {"06110108", true, true, "(Batch) Stopped"}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.expected);
         Rig r(
             test::SimDevice(1, c.serial, "KORV-10-001",

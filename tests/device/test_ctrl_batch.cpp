@@ -304,21 +304,3 @@ TEST(BatchFaults, WithoutADeviceOrWhenItIsLostTheBatchEndsWithoutAPartialSpectru
     r.runToEnd(100);
     EXPECT_FALSE(r.batch->bBatchMode());
 }
-
-TEST(BatchSoak, TwoHundredMeasurementsGiveTwoHundredCorrectFiles) {
-    BatchRig r;
-    BatchSettings s = r.Settings(200, 0);
-    s.bBatchClear = true;
-    r.batch->begin(s);
-    r.runToEnd(20000);
-    EXPECT_FALSE(r.batch->bBatchMode());
-    const auto names = r.filesOnDisk();
-    ASSERT_EQ(names.size(), 200u);
-    for (int i = 1; i <= 200; ++i) {
-        char expected[32];
-        std::snprintf(expected, sizeof(expected), "Vexo_%04d.SPE", i);
-        ASSERT_EQ(names[i - 1], expected);
-    }
-    r.expectFullMeasurements(1.0f);
-    EXPECT_TRUE(r.sim.messages.shown().empty());
-}

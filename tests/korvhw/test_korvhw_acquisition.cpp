@@ -94,20 +94,6 @@ TEST_F(KorvhwAcquisition, WithoutPresetItAcquiresUntilStopped) {
     EXPECT_NEAR(Read(h).realTime, 30.5f, 0.01f);
 }
 
-TEST_F(KorvhwAcquisition, OldModelUsesTheLegacyPresetWord) {
-    UseConfig(
-        SimDevice(1, "06000001", "OLD", "Sources=Cs-137:50000\nNoiseRate=0\nClockHz=0\n" + kHvOn));
-    const int32_t h = Open("OLD");
-    EXPECT_EQ(SetInt(h, 30, 3), -7);
-    ASSERT_EQ(SetInt(h, 10, 1), 0); // bit 0: live time
-    ASSERT_EQ(SetFloat(h, 9, 3.0f), 0);
-    ASSERT_EQ(fn().StartAcquisition(h), 0);
-    EXPECT_GT(PollUntilStopped(h, 40), 6);
-    const Readout r = Read(h);
-    EXPECT_FLOAT_EQ(r.liveTime, 3.0f);
-    EXPECT_GT(r.realTime, r.liveTime);
-}
-
 TEST_F(KorvhwAcquisition, DeadTimeRisesWithRateAsNonParalysable) {
     // Rise 80 + flat top 40 ticks at 80 MHz: 2.5 us of processing per pulse.
     const double tau = 2.5e-6;
@@ -295,7 +281,7 @@ TEST_F(KorvhwAcquisition, ClearAllMemoryAndTimeEachClearTheirPart) {
     EXPECT_EQ(r.total() + r.realTime + r.liveTime, 0);
 }
 
-TEST_F(KorvhwAcquisition, WallClockRunsAtTheSpeedFactorAndLongGapsStayCheap) {
+TEST_F(KorvhwAcquisition, WallClockRunsAtTheSpeedFactorOverLongGaps) {
     // At a million times speed 50 ms are about 14 hours of acquisition at 10^5 counts/s.
     UseConfig(SimDevice(1, "10000001", "A", "Sources=Cs-137:100000\n" + kHvOn) +
                   SimDevice(2, "10000002", "B", "Sources=Cs-137:100000\n" + kHvOn),
@@ -307,10 +293,8 @@ TEST_F(KorvhwAcquisition, WallClockRunsAtTheSpeedFactorAndLongGapsStayCheap) {
     ASSERT_EQ(fn().StartAcquisition(a), 0);
     ASSERT_EQ(fn().StartAcquisition(b), 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(Status(a), 1);
     EXPECT_EQ(Status(b), 0);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
     const Readout ra = Read(a), rb = Read(b);
     EXPECT_GT(ra.realTime, 40000.0f);
     EXPECT_GT(ra.sum(500, 560), 0) << "pile-up summing kept up";

@@ -136,21 +136,6 @@ TEST(BatchSequence, CountOfOneSavesMeasurement0001AndEnds) {
     EXPECT_NE(ini->find("BatchDataDir=" + r.out.string()), std::string::npos);
 }
 
-TEST(BatchSequence, NamesCarrySampleTimeAndTag) {
-    BatchRig r;
-    r.sim.doc->szSpectrumID = "S17";
-    BatchSettings s = r.Settings(2);
-    s.szBatchDir = r.out.string() + kSep; // trailing separator is not doubled
-    s.bNameSampleID = s.bNameTimeDate = s.bNameTag = true;
-    s.szBatchTag = "lab";
-    r.batch->begin(s);
-    r.runToEnd(200);
-    EXPECT_EQ(r.filesOnDisk(), (std::vector<std::string>{"S17_20240131_142501_lab_0001.SPE",
-                                                         "S17_20240131_142501_lab_0002.SPE"}));
-    ASSERT_EQ(r.saved.size(), 2u);
-    EXPECT_EQ(r.saved[0], r.out.string() + kSep + "S17_20240131_142501_lab_0001.SPE");
-}
-
 TEST(BatchSequence, ZeroWaitStillPassesThroughOneWaitTick) {
     BatchRig r;
     r.batch->begin(r.Settings(2, 0));
@@ -180,16 +165,6 @@ TEST(BatchSequence, WaitCountsDownInHalfSeconds) {
     r.batch->tmrBatchWait(); // 2.0 s waited: the next measurement starts
     EXPECT_TRUE(r.acq->bAcqActive());
     EXPECT_EQ(r.batch->panelTexts().counter, "Acq. done: 1 of 2");
-}
-
-TEST(BatchSequence, ClearBetweenMeasurementsGivesEqualLiveTimes) {
-    BatchRig r(Model10(), 2.0f);
-    BatchSettings s = r.Settings(3);
-    s.bBatchClear = true;
-    r.batch->begin(s);
-    r.runToEnd(300);
-    ASSERT_EQ(r.saved.size(), 3u);
-    r.expectFullMeasurements(2.0f);
 }
 
 TEST(BatchSequence, UntilStopRunsUntilTheUserConfirmsStop) {

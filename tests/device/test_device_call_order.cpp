@@ -162,6 +162,7 @@ TEST_F(CallOrder, WithoutAWindowOfItsOwnTheCountsWindowPassesThroughLldUld) {
     d.lSCAHigh = 200;
     WriteAllParams(lib(), d);
     // Window first, then (MCS mode) the SCA window over it.
+    EXPECT_EQ(Written(5), std::vector<int32_t>{1});
     EXPECT_EQ(Written(7), (std::vector<int32_t>{300, 100}));
     EXPECT_EQ(Written(8), (std::vector<int32_t>{400, 200}));
     const Ops ops = Operations();
@@ -170,15 +171,9 @@ TEST_F(CallOrder, WithoutAWindowOfItsOwnTheCountsWindowPassesThroughLldUld) {
 
 TEST_F(CallOrder, WriteAllOfAnOldModelSendsTheLegacyWord) {
     Load(Model06(), "KORV-06-003");
-    SpectrumDocument& d = doc();
-    d.lGPIO1Func = 1;
-    // The word is the rounded preset time's lowest bit (ties to even) and 1.
-    for (auto [seconds, word] : {std::pair{3.0f, 1}, {2.5f, 0}, {3.5f, 0}}) {
-        Forget();
-        d.sngPresetTime = seconds;
-        WriteAllParams(lib(), d);
-        EXPECT_EQ(Written(10), std::vector<int32_t>{word}) << seconds;
-    }
+    Forget();
+    doc().lGPIO1Func = 1;
+    WriteAllParams(lib(), doc());
     EXPECT_EQ(Operations(), Params("SetParam", {6, 26, 5, 10, 13, 14, 12, 15, 16, 17, 18,
                                                 9, 7,  8, 11, 19, 20, 21, 22, 25, 34}));
 }

@@ -108,28 +108,6 @@ TEST_F(ReadAllTest, OldModelSixUsesTheLegacyPresetWordAndGpioSwitch) {
     EXPECT_EQ(Raw(Id::GpioLegacy), 0);
 }
 
-TEST_F(ReadAllTest, MissingCountsWindowComesFromLldUld) {
-    Connect(test::Model08("V3.2", "FailParam=32:-7"), "192.168.0.42");
-    EXPECT_EQ(d.lCapabilities & (kCapPresetWindow | kCapPresetMode), kCapPresetMode);
-    EXPECT_EQ((std::array{d.lPresetFirstCh, d.lPresetLastCh}),
-              (std::array{Raw(Id::LLD), Raw(Id::ULD)}));
-    // Write-all passes the window through 7/8 and then overwrites them: PHA gets
-    // LLD/ULD, MCS the SCA window.
-    d.lPresetFirstCh = 100;
-    d.lPresetLastCh = 200;
-    d.lLLD = 12;
-    d.lULD = 900;
-    WriteAllParams(lib, d);
-    EXPECT_EQ((std::array{Raw(Id::LLD), Raw(Id::ULD)}), (std::array{12, 900}));
-    d.lMCSMode = 1;
-    d.lSCALow = 30;
-    d.lSCAHigh = 40;
-    d.sngDwellTime = 0.5f;
-    WriteAllParams(lib, d);
-    EXPECT_EQ((std::array{Raw(Id::AcqMode), Raw(Id::LLD), Raw(Id::ULD)}), (std::array{1, 30, 40}));
-    EXPECT_FLOAT_EQ(RawFloat(Id::PresetValue), 0.5f);
-}
-
 TEST_F(ReadAllTest, FailingOptionalReadsClearTheirBitsAndFieldsSilently) {
     d.lPURGuard = 5;
     d.lGPIO2Func = 9;

@@ -45,13 +45,18 @@ TEST(FormatNumber, NonFiniteIsAFloatingPointError) {
 }
 
 TEST(SingleToText, GeneralFormSevenDigits) {
-    EXPECT_EQ(SingleToText(1.2345678e-5f), "1.234568E-05");
-    EXPECT_EQ(SingleToText(0.5f), "0.5");
-    EXPECT_EQ(SingleToText(2.5f), "2.5");
-    EXPECT_EQ(SingleToText(0.0f), "0");
-    EXPECT_EQ(SingleToText(123.456f), "123.456");
-    EXPECT_EQ(SingleToText(12345678.0f), "1.234568E+07");
-    EXPECT_EQ(SingleToText(-60.25f), "-60.25");
+    const std::pair<float, const char*> cases[] = {{1.2345678e-5f, "1.234568E-05"},
+                                                   {1e-5f, "1E-05"},
+                                                   {0.0001f, "0.0001"},
+                                                   {0.1f, "0.1"},
+                                                   {0.5f, "0.5"},
+                                                   {0.0f, "0"},
+                                                   {123.456f, "123.456"},
+                                                   {1234567.0f, "1234567"},
+                                                   {12345678.0f, "1.234568E+07"},
+                                                   {-60.25f, "-60.25"}};
+    for (const auto& [value, text] : cases)
+        EXPECT_EQ(SingleToText(value), text) << text;
 }
 
 TEST(ShortestSingleText, RoundTripsShortest) {
@@ -94,6 +99,21 @@ TEST(TextFile, CodePageRoundTripAndLineSplitting) {
     std::string bytes = "Caf\xE9 \x80 \x81";
     EXPECT_EQ(Utf8ToWin1252(Win1252ToUtf8(bytes)), bytes);
     EXPECT_EQ(Win1252ToUtf8("\xB5s"), "\xC2\xB5s");
+    // Invalid UTF-8 (overlong forms, surrogates, past U+10FFFF) is taken byte for byte;
+    // valid characters outside the code page become "?".
+    const std::pair<std::string, std::string> cases[] = {
+        {"\xC0\x8A", "\xC0\x8A"},
+        {"\xE0\x80\xAF", "\xE0\x80\xAF"},
+        {"\xF0\x80\x80\xAF", "\xF0\x80\x80\xAF"},
+        {"\xED\xA0\x80", "\xED\xA0\x80"},
+        {"\xF4\x90\x80\x80", "\xF4\x90\x80\x80"},
+        {"\xF8\x88\x80\x80\x80", "\xF8\x88\x80\x80\x80"},
+        {"\xC3\xA9", "\xE9"},
+        {"\xE2\x82\xAC", "\x80"},
+        {"\xF0\x9F\x98\x80", "?"},
+        {"\xC2\x80", "?"}};
+    for (const auto& [utf8, win1252] : cases)
+        EXPECT_EQ(Utf8ToWin1252(utf8), win1252);
     auto lines = SplitLines("a\r\nb\nc\r\n\r\nd");
     ASSERT_EQ(lines.size(), 5u);
     EXPECT_EQ(lines[2], "c");

@@ -21,13 +21,13 @@ TEST_P(FormatAutoThresholds, PicksPatternByMagnitude) {
 
 INSTANTIATE_TEST_SUITE_P(
     Magnitudes, FormatAutoThresholds,
-    ::testing::Values(AutoCase{0, "0.00"}, AutoCase{0.5, "0.50"}, AutoCase{12.345, "12.35"},
-                      AutoCase{300, "300.00"},
+    ::testing::Values(AutoCase{0, "0.00"}, AutoCase{0.004, "0.00"}, AutoCase{12.345, "12.35"},
                       // Below 9999 even when the two decimals round up to 9999.00.
-                      AutoCase{9998.996, "9999.00"}, AutoCase{9999, "9999.0"},
-                      AutoCase{12345.67, "12345.7"}, AutoCase{99998.96, "99999.0"},
-                      AutoCase{99999, "1.00E+5"}, AutoCase{450000, "4.50E+5"},
-                      AutoCase{2147483647, "2.15E+9"},
+                      AutoCase{9998.994, "9998.99"}, AutoCase{9998.996, "9999.00"},
+                      AutoCase{9999, "9999.0"}, AutoCase{12345.67, "12345.7"},
+                      AutoCase{99998.96, "99999.0"}, AutoCase{99999, "1.00E+5"},
+                      AutoCase{999499, "9.99E+5"}, AutoCase{999500, "1.00E+6"},
+                      AutoCase{2147483647, "2.15E+9"}, AutoCase{1.5e20, "1.50E+20"},
                       // Negative values: the same thresholds on the magnitude.
                       AutoCase{-5, "-5.00"}, AutoCase{-9998.996, "-9999.00"},
                       AutoCase{-9999, "-9999.0"}, AutoCase{-99999, "-1.00E+5"}));

@@ -1,74 +1,45 @@
 // The spectrum subcommands of the built vexo-cli, run as a user runs them.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
 
 #include "TestSupport.h"
 
 namespace vexo {
 namespace {
 
+using test::CliRun;
 using test::TempDir;
 
-struct CliRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& arg) {
-    std::string q = "'";
-    for (char c : arg)
-        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return q + "'";
-}
-
+// vexo-cli with each argument quoted for the shell.
 CliRun Cli(const std::vector<std::string>& args) {
-    TempDir dir;
-    std::string command = Quote((test::BinDir() / "vexo-cli").string());
+    std::string line;
     for (const auto& a : args)
-        command += " " + Quote(a);
-    command += " 2>" + Quote((dir / "stderr").string());
-    CliRun run;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe)
-        return run;
-    char buf[4096];
-    std::size_t got;
-    while ((got = fread(buf, 1, sizeof buf, pipe)) > 0)
-        run.out.append(buf, got);
-    int raw = pclose(pipe);
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.err = test::ReadBytes(dir / "stderr");
-    return run;
+        line += " " + test::Quoted(a);
+    return test::RunCli(line);
 }
 
 std::string SmallFull() {
     return (test::TestDataDir() / "spectrum" / "small_full.spe").string();
 }
 
+// Each key of `expected` (JSON text) has its value in `actual`.
+void ExpectKeys(const nlohmann::json& actual, const char* expected) {
+    const auto want = nlohmann::json::parse(expected);
+    for (const auto& [key, value] : want.items())
+        EXPECT_EQ(actual[key], value) << key;
+}
+
 TEST(CliInfo, JsonCarriesTheRecord) {
     CliRun run = Cli({"info", SmallFull(), "--json", "--counts"});
-    ASSERT_EQ(run.status, 0) << run.err;
+    ASSERT_EQ(run.exitCode, 0) << run.err;
     auto j = nlohmann::json::parse(run.out);
-    EXPECT_EQ(j["full"], true);
-    EXPECT_EQ(j["szSpectrumID"], "Lab sample 7");
-    EXPECT_EQ(j["dtMeasured"], "2023-11-02T08:15:42");
-    EXPECT_EQ(j["sngRealTime"], 102.5);
-    EXPECT_EQ(j["szDeviceName"], "VX16");
-    EXPECT_EQ(j["lMCSMode"], 0);
-    EXPECT_EQ(j["lPoleZero"], 1800);
-    EXPECT_EQ(j["lPresetLastCh"], 15);
-    EXPECT_EQ(j["calibration"]["bCalibrated"], true);
-    EXPECT_EQ(j["calibration"]["dSlope"], 10.0);
+    ExpectKeys(j, R"({"full": true, "szSpectrumID": "Lab sample 7", "sngRealTime": 102.5,
+        "dtMeasured": "2023-11-02T08:15:42", "szDeviceName": "VX16", "lMCSMode": 0,
+        "lPoleZero": 1800, "lPresetLastCh": 15, "lChannels": 16, "sum": 2158})");
+    ExpectKeys(j["calibration"], R"({"bCalibrated": true, "dSlope": 10.0})");
     ASSERT_EQ(j["rois"].size(), 1u);
-    EXPECT_EQ(j["rois"][0]["lROIColor"], 65280);
-    EXPECT_EQ(j["rois"][0]["flag"], true);
-    EXPECT_EQ(j["rois"][0]["name"], "Peak A");
-    EXPECT_EQ(j["lChannels"], 16);
-    EXPECT_EQ(j["sum"], 2158);
+    ExpectKeys(j["rois"][0], R"({"lROIColor": 65280, "flag": true, "name": "Peak A"})");
     EXPECT_NEAR(j["countRate"].get<double>(), 21.58, 1e-6);
     ASSERT_EQ(j["counts"].size(), 16u);
     EXPECT_EQ(j["counts"][5], 910);
@@ -77,13 +48,13 @@ TEST(CliInfo, JsonCarriesTheRecord) {
 TEST(CliInfo, PlainFileAndTextOutput) {
     CliRun json =
         Cli({"info", (test::TestDataDir() / "spectrum" / "plain_counts.dat").string(), "--json"});
-    ASSERT_EQ(json.status, 0) << json.err;
+    ASSERT_EQ(json.exitCode, 0) << json.err;
     auto j = nlohmann::json::parse(json.out);
     EXPECT_EQ(j["full"], false);
     EXPECT_EQ(j["lChannels"], 6);
     EXPECT_FALSE(j.contains("counts"));
     CliRun text = Cli({"info", SmallFull()});
-    ASSERT_EQ(text.status, 0);
+    ASSERT_EQ(text.exitCode, 0);
     EXPECT_NE(text.out.find("Lab sample 7"), std::string::npos);
     EXPECT_NE(text.out.find("21.6 cps"), std::string::npos);
 }
@@ -91,62 +62,53 @@ TEST(CliInfo, PlainFileAndTextOutput) {
 TEST(CliConvert, FullRoundTripAndPlain) {
     TempDir dir;
     std::string full = (dir / "copy.spe").string();
-    ASSERT_EQ(Cli({"convert", SmallFull(), full, "--full"}).status, 0);
+    ASSERT_EQ(Cli({"convert", SmallFull(), full, "--full"}).exitCode, 0);
     // Our own file written back by Save All is byte-identical.
     EXPECT_EQ(test::ReadBytes(full), test::ReadBytes(SmallFull()));
     std::string plain = (dir / "copy.dat").string();
-    ASSERT_EQ(Cli({"convert", full, plain, "--plain"}).status, 0);
+    ASSERT_EQ(Cli({"convert", full, plain, "--plain"}).exitCode, 0);
     EXPECT_EQ(test::ReadBytes(plain).substr(0, 18), " 0 \r\n 3 \r\n 17 \r\n 1");
     CliRun failed = Cli({"convert", SmallFull(), (dir / "no" / "x.spe").string(), "--full"});
-    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(failed.exitCode, 1);
     EXPECT_NE(failed.err.find("Error saving file: "), std::string::npos);
 }
 
 TEST(CliEnergy, BothDirectionsAndFaults) {
     CliRun e = Cli({"energy", "--cal", "0,2.5,0", "--channel", "100"});
-    EXPECT_EQ(e.status, 0);
+    EXPECT_EQ(e.exitCode, 0);
     EXPECT_EQ(e.out, "250\n");
     CliRun c = Cli({"energy", "--cal", "0,2,0", "--energy", "5"});
     EXPECT_EQ(c.out, "2\n"); // 2.5 rounds to even
     CliRun fault = Cli({"energy", "--cal", "0,1e-300,0", "--energy", "1e300"});
-    EXPECT_EQ(fault.status, 1);
+    EXPECT_EQ(fault.exitCode, 1);
     EXPECT_EQ(std::count(fault.err.begin(), fault.err.end(), '\n'), 1);
 }
 
 TEST(CliRoi, AnalysesGivenRoisWithTheGivenTime) {
     CliRun run = Cli({"roi", SmallFull(), "--roi", "2:8", "--time", "10", "--json"});
-    ASSERT_EQ(run.status, 0) << run.err;
+    ASSERT_EQ(run.exitCode, 0) << run.err;
     auto j = nlohmann::json::parse(run.out);
     ASSERT_EQ(j.size(), 1u);
-    EXPECT_EQ(j[0]["ok"], true);
-    EXPECT_TRUE(j[0]["error"].is_null());
-    EXPECT_EQ(j[0]["nBkgChn"], 2);
-    EXPECT_EQ(j[0]["lInt"], 2149); // 17 + 120 + 480 + 910 + 470 + 130 + 22
-    EXPECT_EQ(j[0]["lMax"], 910);
-    EXPECT_EQ(j[0]["nChnMax"], 5);
+    // lInt = 17 + 120 + 480 + 910 + 470 + 130 + 22; sROILEn = 1.5 + 10 x 2.
+    ExpectKeys(j[0], R"({"ok": true, "error": null, "nBkgChn": 2, "lInt": 2149, "lMax": 910,
+        "nChnMax": 5, "sROILEn": 21.5})");
     EXPECT_NEAR(j[0]["sIntRate"].get<double>(), 214.9, 1e-3);
-    EXPECT_EQ(j[0]["sROILEn"], 21.5); // 1.5 + 10 * 2
-}
-
-TEST(CliRoi, FileRoisByDefault) {
-    CliRun run = Cli({"roi", SmallFull(), "--json"});
-    ASSERT_EQ(run.status, 0) << run.err;
-    auto j = nlohmann::json::parse(run.out);
+    // Without --roi the file's ROIs are analysed.
+    j = nlohmann::json::parse(Cli({"roi", SmallFull(), "--json"}).out);
     ASSERT_EQ(j.size(), 1u);
-    EXPECT_EQ(j[0]["lROILCh"], 3);
-    EXPECT_EQ(j[0]["lROIRCh"], 7);
+    ExpectKeys(j[0], R"({"lROILCh": 3, "lROIRCh": 7})");
     CliRun text = Cli({"roi", SmallFull()});
     EXPECT_NE(text.out.find("Net area"), std::string::npos);
 }
 
 TEST(CliCalibrate, PointsAndRefusals) {
     CliRun one = Cli({"calibrate", "--point", "100:661.66", "--json"});
-    ASSERT_EQ(one.status, 0) << one.err;
+    ASSERT_EQ(one.exitCode, 0) << one.err;
     auto j = nlohmann::json::parse(one.out);
     EXPECT_DOUBLE_EQ(j["dSlope"].get<double>(), 6.6166);
     EXPECT_EQ(j["dOffset"], 0.0);
     CliRun same = Cli({"calibrate", "--point", "5:10", "--point", "5:20"});
-    EXPECT_EQ(same.status, 1);
+    EXPECT_EQ(same.exitCode, 1);
     EXPECT_NE(same.err.find("Channel values must be different"), std::string::npos);
 }
 
@@ -171,13 +133,14 @@ TEST(Cli, ExitCodesAndHelp) {
     };
     for (const ExitCase& c : cases) {
         CliRun run = Cli(c.args);
-        EXPECT_EQ(run.status, c.status) << c.args[0] << " " << run.err;
-        if (c.status == 1)
+        EXPECT_EQ(run.exitCode, c.status) << c.args[0] << " " << run.err;
+        if (c.status == 1) {
             EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        }
     }
     for (const char* name : {"info", "convert", "energy", "roi", "calibrate"}) {
         CliRun help = Cli({name, "--help"});
-        EXPECT_EQ(help.status, 0) << name;
+        EXPECT_EQ(help.exitCode, 0) << name;
         EXPECT_EQ(help.out.rfind(std::string("usage: vexo-cli ") + name, 0), 0u) << help.out;
     }
 }

@@ -3,21 +3,21 @@
 
 #include <numeric>
 
+#include "SimAnalyser.h"
 #include "base/NumberText.h"
-#include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
 #include "device/DeviceIO.h"
 #include "spectrum/CountRate.h"
 
 using namespace vexo;
-using vexo::test::SimDeviceSpec;
-using vexo::test::SimSession;
+using vexo::test::Model10;
+using vexo::test::SimAnalyser;
 
 namespace {
 
 // A controller on an opened simulator, recording the refresh codes it asks for.
 struct Rig {
-    explicit Rig(const SimDeviceSpec& spec = {}) : sim(spec) {
+    explicit Rig(const std::string& devices = Model10()) : sim(devices) {
         if (!sim.open())
             throw std::runtime_error("the simulated device did not open");
         sim.messages.clear();
@@ -32,10 +32,8 @@ struct Rig {
     // Ticks until the acquisition is no longer believed to run; the number of ticks.
     int runToEnd(int limit = 400) {
         int n = 0;
-        while (acq->bAcqActive() && n < limit) {
+        for (; acq->bAcqActive() && n < limit; ++n)
             acq->tick();
-            ++n;
-        }
         return n;
     }
     void applyPreset(int32_t mode, float seconds, int32_t counts = 0, int32_t first = 0,
@@ -49,7 +47,7 @@ struct Rig {
         WriteAllParams(*sim.lib, d);
     }
 
-    SimSession sim;
+    SimAnalyser sim;
     double clock = 45000.0;
     std::vector<int> codes;
     int lostCalls = 0;
@@ -66,7 +64,7 @@ int64_t SumCounts(const SpectrumDocument& d, int first, int last) {
 } // namespace
 
 TEST(AcquisitionControl, StartWithoutADeviceSaysNotConnected) {
-    SimSession sim;
+    SimAnalyser sim;
     AcquisitionController acq(*sim.lib, *sim.doc, sim.rois, sim.messages);
     EXPECT_FALSE(acq.start());
     ASSERT_EQ(sim.messages.shown().size(), 1u);
@@ -124,18 +122,15 @@ TEST(AcquisitionControl, ClearWhileRunningRestartsFromZeroWithANewStartTime) {
 }
 
 TEST(AcquisitionControl, DeviceStopsAtItsPreset) {
-    struct Case {
+    const struct {
         const char* name;
         int32_t mode;
         float seconds;
         int32_t counts, first, last;
-    };
-    const Case cases[] = {
-        {"live", 3, 4.0f, 0, 0, 0},
-        {"real", 2, 3.0f, 0, 0, 0},
-        {"counts", 4, 0.0f, 2000, 0, 16383},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"live", 3, 4.0f, 0, 0, 0},
+                 {"real", 2, 3.0f, 0, 0, 0},
+                 {"counts", 4, 0.0f, 2000, 0, 16383}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         Rig r;
         r.applyPreset(c.mode, c.seconds, c.counts, c.first, c.last);
@@ -195,47 +190,43 @@ TEST(AcquisitionPanel, PresetTextFollowsThePresetMode) {
     SpectrumDocument& d = *r.sim.doc;
     d.sngPresetTime = 2.5f;
     d.lPresetCounts = 5000;
-    const std::pair<int32_t, std::string> cases[] = {
-        {0, ""},
-        {1, ""},
-        {2, "Real Time = 2.5 sec"},
-        {3, "Live Time = 2.5 sec"},
-        {4, "Counts = 5000"},
-        {5, "Counts = 5000"},
-        {6, ""},
-        {7, ""},
-        {10, "Real Time = 2.5 sec"},
-        {11, "Live Time = 2.5 sec"},
-    };
-    for (const auto& [mode, text] : cases) {
+    // The text of preset modes 0 to 11.
+    const char* texts[] = {"",
+                           "",
+                           "Real Time = 2.5 sec",
+                           "Live Time = 2.5 sec",
+                           "Counts = 5000",
+                           "Counts = 5000",
+                           "",
+                           "",
+                           "",
+                           "",
+                           "Real Time = 2.5 sec",
+                           "Live Time = 2.5 sec"};
+    for (int32_t mode = 0; mode < 12; ++mode) {
         d.lPresetMode = mode;
         ASSERT_TRUE(r.acq->DisplayStatus());
-        EXPECT_EQ(r.acq->panelTexts().preset, text) << "mode " << mode;
+        EXPECT_EQ(r.acq->panelTexts().preset, texts[mode]) << "mode " << mode;
     }
 }
 
 TEST(AcquisitionPanel, StatusTextPrecedence) {
-    struct Case {
-        const char* serial;
-        bool inhibit;
-        bool batch;
-        const char* expected;
-    };
     // HV switched on just now: the "10" model reports the ramp first; other models only
     // know the status word.
-    const Case cases[] = {
-        {"10230417", false, false, "HV ramping"},        {"10230417", true, false, "HV Inhibit"},
-        {"10230417", false, true, "(Batch) HV ramping"}, {"08190233", false, false, "Stopped"},
-        {"06110108", true, true, "(Batch) Stopped"},
-    };
-    for (const Case& c : cases) {
+    const struct {
+        const char* serial;
+        bool inhibit, batch;
+        const char* expected;
+    } cases[] = {{"10230417", false, false, "HV ramping"},
+                 {"10230417", true, false, "HV Inhibit"},
+                 {"10230417", false, true, "(Batch) HV ramping"},
+                 {"08190233", false, false, "Stopped"},
+                 {"06110108", true, true, "(Batch) Stopped"}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.expected);
-        SimDeviceSpec spec;
-        spec.serial = c.serial;
-        spec.hvInhibit = c.inhibit;
-        spec.hvOnAtPowerUp = false;
-        spec.hvRampSeconds = 30.0;
-        Rig r(spec);
+        Rig r(
+            test::SimDevice(1, c.serial, "KORV-10-001",
+                            std::string("HVRampSeconds=30\nHVInhibit=") + (c.inhibit ? "1" : "0")));
         r.sim.lib->setParam(r.sim.doc->hDevice, DeviceParamId::HVState, int32_t{1});
         r.acq->setBatchMode(c.batch);
         ASSERT_TRUE(r.acq->DisplayStatus());
@@ -263,9 +254,7 @@ TEST(AcquisitionPanel, McsModeShowsTheChannelBeingFilled) {
 }
 
 TEST(AcquisitionFaults, FailingStatusPollChangesNothing) {
-    SimDeviceSpec spec;
-    spec.failParam = "22:-12"; // the HV word cannot be read: every poll fails
-    Rig r(spec);
+    Rig r(Model10("FailParam=22:-12")); // the HV word cannot be read: every poll fails
     ASSERT_FALSE(r.acq->DisplayStatus());
     EXPECT_EQ(r.acq->panelTexts().status, "");
     ASSERT_TRUE(r.acq->start());
@@ -277,9 +266,7 @@ TEST(AcquisitionFaults, FailingStatusPollChangesNothing) {
 }
 
 TEST(AcquisitionFaults, MissingInputCountsLeaveTheIcrTextAlone) {
-    SimDeviceSpec spec;
-    spec.failParam = "35:-7";
-    Rig r(spec);
+    Rig r(Model10("FailParam=35:-7"));
     r.applyPreset(3, 100.0f);
     ASSERT_TRUE(r.acq->start());
     for (int i = 0; i < 4; ++i)
@@ -290,9 +277,7 @@ TEST(AcquisitionFaults, MissingInputCountsLeaveTheIcrTextAlone) {
 }
 
 TEST(AcquisitionFaults, LostDeviceIsReportedClosedAndCanBeReopened) {
-    SimDeviceSpec spec;
-    spec.disconnectAfter = 3.0;
-    Rig r(spec);
+    Rig r(Model10("DisconnectAfter=3"));
     r.applyPreset(3, 1000.0f);
     r.acq->clear();
     ASSERT_TRUE(r.acq->start());

@@ -7,24 +7,26 @@
 #include <filesystem>
 #include <thread>
 
+#include "SimAnalyser.h"
 #include "base/DateTime.h"
 #include "base/TextFile.h"
-#include "ctrl_sim.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
+#include "device/ConnectionController.h"
 #include "device/DeviceIO.h"
 #include "shell/AppSettings.h"
 #include "spectrum/SpectrumFile.h"
 
 using namespace vexo;
-using vexo::test::SimDeviceSpec;
-using vexo::test::SimSession;
+using vexo::test::Model10;
+using vexo::test::SimAnalyser;
 namespace fs = std::filesystem;
 
 namespace {
 
 struct BatchRig {
-    explicit BatchRig(const SimDeviceSpec& spec = {}, float liveSeconds = 1.0f) : sim(spec) {
+    explicit BatchRig(const std::string& devices = Model10(), float liveSeconds = 1.0f)
+        : sim(devices) {
         if (!sim.open())
             throw std::runtime_error("the simulated device did not open");
         sim.messages.clear();
@@ -54,10 +56,13 @@ struct BatchRig {
         acq->clear();
     }
     fs::path appDir() const { return sim.dir(); }
-    BatchSettings Settings(int16_t count) const {
+    // `count` measurements into `out`; waits of `waitSeconds` between them when not < 0.
+    BatchSettings Settings(int16_t count, int32_t waitSeconds = -1) const {
         BatchSettings s;
         s.szBatchDir = out.string();
         s.nBatchCount = count;
+        s.bBatchWait = waitSeconds >= 0;
+        s.lBatchWait = std::max(waitSeconds, 0);
         return s;
     }
     // One 500 ms pass of both timers, as the main window runs them.
@@ -67,11 +72,28 @@ struct BatchRig {
         acq->tick();
         ++passes;
     }
-    int runToEnd(int limit) {
-        int n = 0;
-        while (batch->bBatchMode() && n++ < limit)
+    void runToEnd(int limit) {
+        for (int n = 0; batch->bBatchMode() && n < limit; ++n)
             pass();
-        return n;
+    }
+    void runUntilSaved(std::size_t files) {
+        while (saved.size() < files && passes < 400)
+            pass();
+        ASSERT_EQ(saved.size(), files);
+    }
+    // Stop, as the toolbar does, answering the question with `answer`.
+    bool stop(MsgAnswer answer) {
+        sim.messages.queueAnswer(answer);
+        return acq->stop();
+    }
+    // Every file written is a complete measurement of the preset live time.
+    void expectFullMeasurements(float liveSeconds) const {
+        auto d = std::make_unique<SpectrumDocument>();
+        for (const auto& path : saved) {
+            ASSERT_TRUE(bReadFullSpectrum(*d, path)) << path;
+            EXPECT_NEAR(d->sngLiveTime, liveSeconds, 0.01f) << path;
+            EXPECT_EQ(d->lChannels, 1024) << path;
+        }
     }
     std::vector<std::string> filesOnDisk() const {
         std::vector<std::string> names;
@@ -81,7 +103,7 @@ struct BatchRig {
         return names;
     }
 
-    SimSession sim;
+    SimAnalyser sim;
     fs::path out = sim.dir() / "spectra";
     double clock = SerialFromParts({2024, 1, 31, 14, 25, 1});
     AppSettings settings;
@@ -116,37 +138,15 @@ TEST(BatchSequence, CountOfOneSavesMeasurement0001AndEnds) {
     EXPECT_NE(ini->find("BatchDataDir=" + r.out.string()), std::string::npos);
 }
 
-TEST(BatchSequence, NamesCarrySampleTimeAndTag) {
-    BatchRig r;
-    r.sim.doc->szSpectrumID = "S17";
-    BatchSettings s = r.Settings(2);
-    s.szBatchDir = r.out.string() + kSep; // trailing separator is not doubled
-    s.bNameSampleID = s.bNameTimeDate = s.bNameTag = true;
-    s.szBatchTag = "lab";
-    r.batch->begin(s);
-    r.runToEnd(200);
-    EXPECT_EQ(r.filesOnDisk(), (std::vector<std::string>{"S17_20240131_142501_lab_0001.SPE",
-                                                         "S17_20240131_142501_lab_0002.SPE"}));
-    ASSERT_EQ(r.saved.size(), 2u);
-    EXPECT_EQ(r.saved[0], r.out.string() + kSep + "S17_20240131_142501_lab_0001.SPE");
-}
-
 TEST(BatchSequence, ZeroWaitStillPassesThroughOneWaitTick) {
     BatchRig r;
-    BatchSettings s = r.Settings(2);
-    s.bBatchWait = true;
-    s.lBatchWait = 0;
-    r.batch->begin(s);
-    while (r.saved.empty() && r.passes < 200)
-        r.pass();
-    ASSERT_EQ(r.saved.size(), 1u);
-    EXPECT_TRUE(r.batch->bBatchWaiting());
-    EXPECT_TRUE(r.batch->waitTimerEnabled());
+    r.batch->begin(r.Settings(2, 0));
+    r.runUntilSaved(1);
+    EXPECT_TRUE(r.batch->bBatchWaiting() && r.batch->waitTimerEnabled());
     EXPECT_FALSE(r.acq->bAcqActive());
     EXPECT_EQ(r.batch->panelTexts().batch, "BATCH ON (Waiting : 0.0)");
     r.batch->tmrBatchWait();
-    EXPECT_FALSE(r.batch->bBatchWaiting());
-    EXPECT_FALSE(r.batch->waitTimerEnabled());
+    EXPECT_FALSE(r.batch->bBatchWaiting() || r.batch->waitTimerEnabled());
     EXPECT_TRUE(r.acq->bAcqActive());
     r.runToEnd(200);
     EXPECT_EQ(r.filesOnDisk().size(), 2u);
@@ -154,16 +154,10 @@ TEST(BatchSequence, ZeroWaitStillPassesThroughOneWaitTick) {
 
 TEST(BatchSequence, WaitCountsDownInHalfSeconds) {
     BatchRig r;
-    BatchSettings s = r.Settings(2);
-    s.bBatchWait = true;
-    s.lBatchWait = 2;
-    r.batch->begin(s);
-    while (r.saved.empty() && r.passes < 200)
-        r.pass();
-    ASSERT_TRUE(r.batch->bBatchWaiting());
-    const std::string expected[] = {"BATCH ON (Waiting : 1.5)", "BATCH ON (Waiting : 1.0)",
-                                    "BATCH ON (Waiting : 0.5)"};
-    for (const auto& text : expected) {
+    r.batch->begin(r.Settings(2, 2));
+    r.runUntilSaved(1);
+    for (const char* text :
+         {"BATCH ON (Waiting : 1.5)", "BATCH ON (Waiting : 1.0)", "BATCH ON (Waiting : 0.5)"}) {
         r.batch->tmrBatchWait();
         EXPECT_EQ(r.batch->panelTexts().batch, text);
         EXPECT_FALSE(r.acq->bAcqActive());
@@ -175,33 +169,16 @@ TEST(BatchSequence, WaitCountsDownInHalfSeconds) {
     EXPECT_EQ(r.batch->panelTexts().counter, "Acq. done: 1 of 2");
 }
 
-TEST(BatchSequence, ClearBetweenMeasurementsGivesEqualLiveTimes) {
-    BatchRig r({}, 2.0f);
-    BatchSettings s = r.Settings(3);
-    s.bBatchClear = true;
-    r.batch->begin(s);
-    r.runToEnd(300);
-    ASSERT_EQ(r.saved.size(), 3u);
-    for (const auto& path : r.saved) {
-        auto d = std::make_unique<SpectrumDocument>();
-        ASSERT_TRUE(bReadFullSpectrum(*d, path)) << path;
-        EXPECT_NEAR(d->sngLiveTime, 2.0f, 0.01f) << path;
-    }
-}
-
 TEST(BatchSequence, UntilStopRunsUntilTheUserConfirmsStop) {
     BatchRig r;
     BatchSettings s = r.Settings(1);
     s.bBatchUntilStop = true;
     s.bBatchClear = true;
     r.batch->begin(s);
-    while (r.saved.size() < 3 && r.passes < 400)
-        r.pass();
-    ASSERT_EQ(r.saved.size(), 3u); // the count of 1 is ignored
+    r.runUntilSaved(3); // the count of 1 is ignored
     EXPECT_EQ(r.batch->panelTexts().counter, "Acq. done: 3");
 
-    r.sim.messages.queueAnswer(MsgAnswer::Cancel);
-    EXPECT_FALSE(r.acq->stop());
+    EXPECT_FALSE(r.stop(MsgAnswer::Cancel));
     EXPECT_TRUE(r.batch->bBatchMode());
     ASSERT_EQ(r.sim.messages.shown().size(), 1u);
     const Message& q = r.sim.messages.shown()[0];
@@ -212,14 +189,27 @@ TEST(BatchSequence, UntilStopRunsUntilTheUserConfirmsStop) {
     EXPECT_EQ(q.icon, MsgIcon::Exclamation);
     EXPECT_EQ(q.buttons, MsgButtons::OkCancel);
 
-    r.sim.messages.queueAnswer(MsgAnswer::Ok);
-    EXPECT_TRUE(r.acq->stop());
+    EXPECT_TRUE(r.stop(MsgAnswer::Ok));
     EXPECT_FALSE(r.batch->bBatchMode());
     EXPECT_FALSE(r.acq->bAcqActive());
     EXPECT_EQ(r.batch->nBatchIndex(), 0); // counters reset
     for (int i = 0; i < 10; ++i)
         r.pass();
     EXPECT_EQ(r.filesOnDisk().size(), 3u); // nothing more is saved
+}
+
+TEST(BatchSequence, StopDuringTheWaitEndsTheWaitToo) {
+    BatchRig r;
+    r.batch->begin(r.Settings(5, 30));
+    EXPECT_NE(std::find(r.codes.begin(), r.codes.end(), 16), r.codes.end());
+    r.runUntilSaved(1);
+    ASSERT_TRUE(r.batch->waitTimerEnabled());
+    EXPECT_TRUE(r.stop(MsgAnswer::Ok));
+    EXPECT_FALSE(r.batch->waitTimerEnabled() || r.batch->bBatchWaiting() || r.batch->bBatchMode());
+    for (int i = 0; i < 10; ++i)
+        r.pass();
+    EXPECT_FALSE(r.acq->bAcqActive()); // the wait did not start another measurement
+    EXPECT_EQ(r.filesOnDisk().size(), 1u);
 }
 
 TEST(BatchSequence, ProcessingRunsAfterEachSave) {
@@ -261,88 +251,33 @@ TEST(BatchFaults, FailingSaveIsReportedAndTheSequenceGoesOn) {
     EXPECT_TRUE(r.filesOnDisk().empty());
 }
 
-TEST(BatchFaults, LostDeviceEndsTheBatchWithoutSavingAPartialSpectrum) {
-    SimDeviceSpec spec;
-    spec.disconnectAfter = 6.0;
-    BatchRig r(spec, 2.0f);
+TEST(BatchFaults, WithoutADeviceOrWhenItIsLostTheBatchEndsWithoutAPartialSpectrum) {
+    BatchRig r(Model10("DisconnectAfter=6"), 2.0f);
+    CloseMca(*r.sim.lib, *r.sim.doc);
+    r.batch->begin(r.Settings(3)); // refused: no device
+    EXPECT_FALSE(r.batch->bBatchMode());
+    ASSERT_TRUE(r.sim.open());
+    r.acq->deviceConnected();
     BatchSettings s = r.Settings(20);
     s.bBatchClear = true;
     r.batch->begin(s);
     r.runToEnd(300);
     EXPECT_FALSE(r.batch->bBatchMode());
     EXPECT_EQ(r.sim.doc->hDevice, 0);
-    ASSERT_EQ(r.sim.messages.shown().size(), 1u);
-    EXPECT_EQ(r.sim.messages.shown()[0].title, "Batch Error");
-    EXPECT_EQ(r.sim.messages.shown()[0].text, "No MCA connection");
-    EXPECT_EQ(r.sim.messages.shown()[0].icon, MsgIcon::Exclamation);
     EXPECT_EQ(r.lost, 1);
-    // Every file written is a complete measurement of the preset live time.
+    ASSERT_EQ(r.sim.messages.shown().size(), 2u);
+    for (const Message& m : r.sim.messages.shown()) {
+        EXPECT_EQ(m.title, "Batch Error");
+        EXPECT_EQ(m.text, "No MCA connection");
+        EXPECT_EQ(m.icon, MsgIcon::Exclamation);
+    }
     ASSERT_FALSE(r.saved.empty());
     EXPECT_LT(r.saved.size(), 20u);
-    for (const auto& path : r.saved) {
-        auto d = std::make_unique<SpectrumDocument>();
-        ASSERT_TRUE(bReadFullSpectrum(*d, path));
-        EXPECT_NEAR(d->sngLiveTime, 2.0f, 0.01f) << path;
-    }
+    r.expectFullMeasurements(2.0f);
     // The controllers keep working: reconnect and run a one-measurement batch.
     ASSERT_TRUE(r.sim.open());
     r.acq->deviceConnected();
     r.batch->begin(r.Settings(1));
     r.runToEnd(100);
     EXPECT_FALSE(r.batch->bBatchMode());
-}
-
-TEST(BatchSoak, TwoHundredMeasurementsGiveTwoHundredCorrectFiles) {
-    BatchRig r({}, 1.0f);
-    BatchSettings s = r.Settings(200);
-    s.bBatchClear = true;
-    s.bBatchWait = true;
-    s.lBatchWait = 0;
-    r.batch->begin(s);
-    r.runToEnd(20000);
-    EXPECT_FALSE(r.batch->bBatchMode());
-    const auto names = r.filesOnDisk();
-    ASSERT_EQ(names.size(), 200u);
-    auto d = std::make_unique<SpectrumDocument>();
-    for (int i = 1; i <= 200; ++i) {
-        char expected[32];
-        std::snprintf(expected, sizeof(expected), "Vexo_%04d.SPE", i);
-        ASSERT_EQ(names[i - 1], expected);
-        ASSERT_TRUE(bReadFullSpectrum(*d, r.out / expected)) << expected;
-        EXPECT_NEAR(d->sngLiveTime, 1.0f, 0.01f) << expected;
-        EXPECT_EQ(d->lChannels, 1024) << expected;
-    }
-    EXPECT_TRUE(r.sim.messages.shown().empty());
-}
-
-TEST(BatchSequence, StopDuringTheWaitEndsTheWaitToo) {
-    BatchRig r;
-    BatchSettings s = r.Settings(5);
-    s.bBatchWait = true;
-    s.lBatchWait = 30;
-    r.batch->begin(s);
-    EXPECT_NE(std::find(r.codes.begin(), r.codes.end(), 16), r.codes.end());
-    while (!r.batch->bBatchWaiting() && r.passes < 200)
-        r.pass();
-    ASSERT_TRUE(r.batch->waitTimerEnabled());
-    r.sim.messages.queueAnswer(MsgAnswer::Ok);
-    EXPECT_TRUE(r.acq->stop());
-    EXPECT_FALSE(r.batch->waitTimerEnabled());
-    EXPECT_FALSE(r.batch->bBatchWaiting());
-    EXPECT_FALSE(r.batch->bBatchMode());
-    for (int i = 0; i < 10; ++i)
-        r.pass();
-    EXPECT_FALSE(r.acq->bAcqActive()); // the wait did not start another measurement
-    EXPECT_EQ(r.filesOnDisk().size(), 1u);
-}
-
-TEST(BatchFaults, StartingWithoutADeviceIsRefused) {
-    BatchRig r;
-    CloseMca(*r.sim.lib, *r.sim.doc);
-    r.batch->begin(r.Settings(3));
-    EXPECT_FALSE(r.batch->bBatchMode());
-    ASSERT_EQ(r.sim.messages.shown().size(), 1u);
-    EXPECT_EQ(r.sim.messages.shown()[0].title, "Batch Error");
-    EXPECT_EQ(r.sim.messages.shown()[0].text, "No MCA connection");
-    EXPECT_TRUE(r.filesOnDisk().empty());
 }

@@ -1,4 +1,4 @@
-// Batch file names and the batch window's checks.
+// Batch file names, the batch window's checks and the batch panels' texts.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -14,48 +14,36 @@ namespace {
 
 const std::string kSep(1, static_cast<char>(std::filesystem::path::preferred_separator));
 
-double At20240131_142501() {
-    return SerialFromParts({2024, 1, 31, 14, 25, 1});
-}
-
 } // namespace
 
 TEST(BatchFileName, PartsInOrderAsTheyAreChosen) {
-    struct Case {
+    const double at = SerialFromParts({2024, 1, 31, 14, 25, 1});
+    const struct {
+        std::string folder;
         bool sample, time, tag;
+        int32_t counter;
         std::string expected;
-    };
-    const Case cases[] = {
-        {false, false, false, "Vexo_0003.SPE"},
-        {true, false, false, "S17_0003.SPE"},
-        {false, true, false, "Vexo_20240131_142501_0003.SPE"},
-        {false, false, true, "Vexo_lab_0003.SPE"},
-        {true, true, true, "S17_20240131_142501_lab_0003.SPE"},
-    };
+    } cases[] = {{"data", false, false, false, 3, "data" + kSep + "Vexo_0003.SPE"},
+                 {"data", true, false, false, 3, "data" + kSep + "S17_0003.SPE"},
+                 {"data", false, true, false, 3, "data" + kSep + "Vexo_20240131_142501_0003.SPE"},
+                 {"data", false, false, true, 3, "data" + kSep + "Vexo_lab_0003.SPE"},
+                 {"data", true, true, true, 3, "data" + kSep + "S17_20240131_142501_lab_0003.SPE"},
+                 // The separator is added once, and not at all for an empty folder; the counter
+                 // has at least four digits.
+                 {"out" + kSep, false, false, false, 1, "out" + kSep + "Vexo_0001.SPE"},
+                 {"", false, false, false, 9999, "Vexo_9999.SPE"},
+                 {"", false, false, false, 12345, "Vexo_12345.SPE"}};
     for (const auto& c : cases) {
         BatchSettings s;
-        s.szBatchDir = "data";
+        s.szBatchDir = c.folder;
         s.bNameSampleID = c.sample;
         s.bNameTimeDate = c.time;
         s.bNameTag = c.tag;
         s.szBatchTag = "lab";
-        EXPECT_EQ(BatchFileName(s, "S17", 3, At20240131_142501()), "data" + kSep + c.expected);
+        EXPECT_EQ(BatchFileName(s, "S17", c.counter, at), c.expected);
     }
-}
-
-TEST(BatchFileName, SeparatorAddedOnceAndNotForAnEmptyFolder) {
-    BatchSettings s;
-    s.szBatchDir = "out" + kSep;
-    EXPECT_EQ(BatchFileName(s, "", 1, 0.0), "out" + kSep + "Vexo_0001.SPE");
-    s.szBatchDir = "";
-    EXPECT_EQ(BatchFileName(s, "", 1, 0.0), "Vexo_0001.SPE");
-}
-
-TEST(BatchFileName, CounterHasAtLeastFourDigits) {
-    BatchSettings s;
-    EXPECT_EQ(BatchFileName(s, "", 9999, 0.0), "Vexo_9999.SPE");
-    EXPECT_EQ(BatchFileName(s, "", 12345, 0.0), "Vexo_12345.SPE");
     // A sample ID that is empty still gets its separator when chosen.
+    BatchSettings s;
     s.bNameSampleID = true;
     EXPECT_EQ(BatchFileName(s, "", 7, 0.0), "_0007.SPE");
 }
@@ -63,14 +51,7 @@ TEST(BatchFileName, CounterHasAtLeastFourDigits) {
 class BatchValidation : public ::testing::Test {
 protected:
     test::TempDir dir;
-    BatchWindowFields Fields() {
-        BatchWindowFields f;
-        f.folder = dir.path().string();
-        f.count = "5";
-        f.wait = "10";
-        f.waitChecked = true;
-        return f;
-    }
+    BatchWindowFields Fields() { return {dir.path().string(), "5", "10", true, false}; }
 };
 
 TEST_F(BatchValidation, AcceptsAGoodWindow) {
@@ -80,6 +61,13 @@ TEST_F(BatchValidation, AcceptsAGoodWindow) {
     EXPECT_EQ(s.nBatchCount, 5);
     EXPECT_EQ(s.lBatchWait, 10);
     EXPECT_TRUE(s.bBatchWait);
+    // Fields that do not apply are not checked; no wait at all is allowed.
+    const BatchWindowFields untilStop{dir.path().string(), "", "", false, true};
+    EXPECT_FALSE(ValidateBatchStart(untilStop).has_value());
+    EXPECT_FALSE(ValidateBatchField(BatchField::Count, untilStop).has_value());
+    EXPECT_FALSE(ValidateBatchField(BatchField::Wait, untilStop).has_value());
+    EXPECT_FALSE(
+        ValidateBatchField(BatchField::Wait, {dir.path().string(), "5", "0", true, false}));
 }
 
 TEST_F(BatchValidation, StartReportsTheFirstProblemWithItsExactText) {
@@ -89,62 +77,34 @@ TEST_F(BatchValidation, StartReportsTheFirstProblemWithItsExactText) {
         "Please enter a value for the number of measurements in the Batch";
     const std::string waitText =
         "Please enter a value for the waiting interval time between measurements in the Batch";
-    struct Case {
+    const std::string good = dir.path().string();
+    const struct {
         std::string folder, count, wait;
-        bool waitChecked, untilStop;
         BatchField field;
         std::string message;
-    };
-    const std::string good = dir.path().string();
-    const Case cases[] = {
-        {"", "5", "1", true, false, BatchField::Folder, folderText},
-        {"   ", "5", "1", true, false, BatchField::Folder, folderText},
-        {good + "/missing", "5", "1", true, false, BatchField::Folder, "Sub-directory not found"},
-        {good, "", "1", true, false, BatchField::Count, countText},
-        {good, "0", "1", true, false, BatchField::Count, countText},
-        {good, "32768", "1", true, false, BatchField::Count, countText},
-        {good, "-3", "1", true, false, BatchField::Count, countText},
-        {good, "2.5", "1", true, false, BatchField::Count, countText},
-        {good, "5", "", true, false, BatchField::Wait, waitText},
-        {good, "5", "x", true, false, BatchField::Wait, waitText},
-        {good, "", "", true, false, BatchField::Count, countText}, // count before wait
-    };
+    } cases[] = {{"", "5", "1", BatchField::Folder, folderText},
+                 {"   ", "5", "1", BatchField::Folder, folderText},
+                 {good + "/missing", "5", "1", BatchField::Folder, "Sub-directory not found"},
+                 {good, "", "1", BatchField::Count, countText},
+                 {good, "0", "1", BatchField::Count, countText},
+                 {good, "32768", "1", BatchField::Count, countText},
+                 {good, "-3", "1", BatchField::Count, countText},
+                 {good, "2.5", "1", BatchField::Count, countText},
+                 {good, "5", "", BatchField::Wait, waitText},
+                 {good, "5", "x", BatchField::Wait, waitText},
+                 {good, "", "", BatchField::Count, countText}}; // count before wait
     for (const auto& c : cases) {
-        BatchWindowFields f{c.folder, c.count, c.wait, c.waitChecked, c.untilStop};
-        const auto e = ValidateBatchStart(f);
+        const auto e = ValidateBatchStart({c.folder, c.count, c.wait, true, false});
         ASSERT_TRUE(e.has_value()) << c.folder << "|" << c.count << "|" << c.wait;
         EXPECT_EQ(e->field, c.field);
         EXPECT_EQ(e->message, c.message);
     }
-    EXPECT_STREQ(kBatchSettingsTitle, "Batch Settings");
-}
-
-TEST_F(BatchValidation, FieldsThatDoNotApplyAreNotChecked) {
-    BatchWindowFields f = Fields();
-    f.untilStop = true;
-    f.count = "";
-    f.waitChecked = false;
-    f.wait = "";
-    EXPECT_FALSE(ValidateBatchStart(f).has_value());
-    EXPECT_FALSE(ValidateBatchField(BatchField::Count, f).has_value());
-    EXPECT_FALSE(ValidateBatchField(BatchField::Wait, f).has_value());
-    f.waitChecked = true;
-    f.wait = "0"; // no wait at all is allowed
-    EXPECT_FALSE(ValidateBatchField(BatchField::Wait, f).has_value());
-}
-
-TEST_F(BatchValidation, LeavingTheFolderFieldUsesOneMessageForEmptyAndMissing) {
-    BatchWindowFields f = Fields();
-    f.folder = (dir.path() / "nope").string();
-    auto e = ValidateBatchField(BatchField::Folder, f);
-    ASSERT_TRUE(e.has_value());
-    EXPECT_EQ(e->message,
-              "Please enter an existing subdirectory to store the spectra of the Batch");
-    f.folder = "";
-    e = ValidateBatchField(BatchField::Folder, f);
-    ASSERT_TRUE(e.has_value());
-    EXPECT_EQ(e->message,
-              "Please enter an existing subdirectory to store the spectra of the Batch");
+    // Leaving the folder field uses one message for an empty and a missing folder.
+    for (const std::string& folder : {std::string(), good + "/nope"}) {
+        const auto e = ValidateBatchField(BatchField::Folder, {folder, "5", "1", true, false});
+        ASSERT_TRUE(e.has_value());
+        EXPECT_EQ(e->message, folderText);
+    }
 }
 
 TEST(BatchPanels, TextsForEachState) {

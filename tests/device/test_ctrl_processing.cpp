@@ -40,10 +40,16 @@ SpectrumDocument SmallSpectrum() {
     doc.lChannels = 256;
     for (int i = 0; i < 256; ++i)
         doc.lCounts[i] = i;
-    doc.sngLiveTime = 10.0f;
-    doc.sngRealTime = 11.0f;
-    doc.szSpectrumID = "proc";
     return doc;
+}
+
+// Processing enabled, the spectrum saved into `folder`, then `program` started.
+ProcessSettings Enabled(const fs::path& folder, const std::string& program) {
+    ProcessSettings s;
+    s.bEnableExtProcessing = true;
+    s.szDataDir = folder.string();
+    s.szProgram = program;
+    return s;
 }
 
 } // namespace
@@ -124,98 +130,71 @@ TEST(SplitCommandLine, QuotesGroupAndAreRemoved) {
     EXPECT_TRUE(SplitCommandLine("   ").empty());
 }
 
-TEST(ExternalProcessing, DisabledDoesNothing) {
-    test::TempDir dir;
-    ScriptedMessages messages;
-    ProcessSettings s;
-    s.szDataDir = dir.path().string();
-    s.szProgram = "/bin/true";
-    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
-    EXPECT_EQ(outcome.status, ProcessStatus::Disabled);
-    EXPECT_TRUE(fs::is_empty(dir.path()));
-    EXPECT_TRUE(messages.shown().empty());
-}
-
 TEST(ExternalProcessing, SavesThenStartsTheProgramInItsFolderWithoutAShell) {
     test::TempDir dir;
     FolderGuard guard;
     const fs::path before = fs::current_path();
     ScriptedMessages messages;
-    ProcessSettings s;
-    s.bEnableExtProcessing = true;
-    s.szDataDir = dir.path().string();
+    ProcessSettings s = Enabled(dir.path(), "/bin/true");
+    s.bEnableExtProcessing = false;
+    EXPECT_EQ(RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow).status,
+              ProcessStatus::Disabled);
+    EXPECT_TRUE(fs::is_empty(dir.path()));
+
+    s = Enabled(dir.path(), "/bin/sh");
     s.szFileName = "run_%T";
-    s.szProgram = "/bin/sh";
     // The script writes its arguments into the working folder; $0 is the first one.
     s.szArguments = "-c \"echo \"\"$0|$1\"\" > out.txt\" %F \"%D\"";
     s.szStartupDir = "%Dwork";
     fs::create_directory(dir.path() / "work");
-
     const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
     ASSERT_EQ(outcome.status, ProcessStatus::Started)
         << (messages.shown().empty() ? "" : messages.shown()[0].text);
     EXPECT_TRUE(messages.shown().empty());
     EXPECT_EQ(fs::current_path(), before); // changed back after starting
-
     SpectrumDocument back;
     ASSERT_TRUE(bReadFullSpectrum(back, dir.path() / "run_20241107_140509.spe"));
     EXPECT_EQ(back.lCounts[100], 100);
-
     const fs::path out = dir.path() / "work" / "out.txt";
     ASSERT_TRUE(WaitForFile(out));
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_EQ(test::ReadBytes(out), "run_20241107_140509.spe|" + dir.path().string() + kSep + "\n");
 }
 
-TEST(ExternalProcessing, SaveFailureStopsBeforeStarting) {
+TEST(ExternalProcessing, FailuresAreReportedAndLeaveTheFolderWhereTheyHappened) {
     test::TempDir dir;
-    ScriptedMessages messages;
-    ProcessSettings s;
-    s.bEnableExtProcessing = true;
-    s.szDataDir = (dir.path() / "missing").string();
-    s.szProgram = "/bin/sh";
-    s.szArguments = "-c \"touch started\"";
-    s.szStartupDir = dir.path().string();
-    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
-    EXPECT_EQ(outcome.status, ProcessStatus::SaveFailed);
-    ASSERT_EQ(messages.shown().size(), 1u);
-    EXPECT_EQ(messages.shown()[0].title, "Vexo");
-    EXPECT_EQ(messages.shown()[0].text, "Failed to save the sprectrum");
-    EXPECT_EQ(messages.shown()[0].icon, MsgIcon::Critical);
+    const std::string missing = (dir / "no-such-program").string();
+    const struct {
+        ProcessSettings settings;
+        ProcessStatus status;
+        std::string message; // its start
+        fs::path folderAfter;
+    } cases[] = {// The save fails: nothing is started.
+                 {Enabled(dir / "missing", "/bin/sh"), ProcessStatus::SaveFailed,
+                  "Failed to save the sprectrum", fs::current_path()},
+                 // The program cannot start: the working folder stays where it was changed to.
+                 {Enabled(dir.path(), missing), ProcessStatus::LaunchFailed,
+                  "Failed to execute application: No such file or directory: " + missing,
+                  fs::canonical(dir.path())},
+                 // The working folder is missing: nothing moves.
+                 {Enabled(dir.path(), "/bin/true"), ProcessStatus::LaunchFailed,
+                  "Failed to execute application: ", fs::current_path()}};
+    const std::string startups[] = {dir.path().string(), "%D", "%Dnot-there"};
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        FolderGuard guard;
+        ProcessSettings s = cases[i].settings;
+        s.szStartupDir = startups[i];
+        s.szArguments = "-c \"touch started\"";
+        ScriptedMessages messages;
+        EXPECT_EQ(RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow).status,
+                  cases[i].status);
+        ASSERT_EQ(messages.shown().size(), 1u) << i;
+        EXPECT_EQ(messages.shown()[0].title, "Vexo");
+        EXPECT_EQ(messages.shown()[0].icon, MsgIcon::Critical);
+        EXPECT_EQ(messages.shown()[0].text.rfind(cases[i].message, 0), 0u)
+            << messages.shown()[0].text;
+        EXPECT_EQ(fs::current_path(), cases[i].folderAfter) << i;
+    }
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    EXPECT_FALSE(fs::exists(dir.path() / "started"));
-}
-
-TEST(ExternalProcessing, ProgramThatCannotStartIsReportedAndTheFolderStaysWhereItFailed) {
-    test::TempDir dir;
-    FolderGuard guard;
-    ScriptedMessages messages;
-    ProcessSettings s;
-    s.bEnableExtProcessing = true;
-    s.szDataDir = dir.path().string();
-    s.szProgram = (dir.path() / "no-such-program").string();
-    s.szStartupDir = "%D";
-    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
-    EXPECT_EQ(outcome.status, ProcessStatus::LaunchFailed);
-    ASSERT_EQ(messages.shown().size(), 1u);
-    EXPECT_EQ(messages.shown()[0].text,
-              "Failed to execute application: No such file or directory: " + s.szProgram);
-    EXPECT_EQ(fs::current_path(), fs::canonical(dir.path()));
-}
-
-TEST(ExternalProcessing, MissingWorkingFolderIsReportedAndNothingMoves) {
-    test::TempDir dir;
-    FolderGuard guard;
-    const fs::path before = fs::current_path();
-    ScriptedMessages messages;
-    ProcessSettings s;
-    s.bEnableExtProcessing = true;
-    s.szDataDir = dir.path().string();
-    s.szProgram = "/bin/true";
-    s.szStartupDir = "%Dnot-there";
-    const auto outcome = RunExternalProcessing(SmallSpectrum(), s, messages, "/", kNow);
-    EXPECT_EQ(outcome.status, ProcessStatus::LaunchFailed);
-    ASSERT_EQ(messages.shown().size(), 1u);
-    EXPECT_EQ(messages.shown()[0].text.rfind("Failed to execute application: ", 0), 0u);
-    EXPECT_EQ(fs::current_path(), before);
+    EXPECT_FALSE(fs::exists(dir / "started"));
 }

@@ -14,11 +14,6 @@ TEST(ScopeFullScale, SixteenBitOnlyForModels10And08) {
         EXPECT_EQ(ScopeFullScale(serial), 4096) << serial;
 }
 
-TEST(ScopeSource, ControlWordValues) {
-    EXPECT_EQ(ScopeControlValue(ScopeSource::Filtered), 0);
-    EXPECT_EQ(ScopeControlValue(ScopeSource::Input), 7);
-}
-
 // Surface 1064 x 440: inner 1024 x 400, so x steps by exactly one unit per sample and
 // the centre line is at 20 + 200.
 TEST(ScopePlotData, ZeroOnCentreHalfScaleOnTheEdges) {

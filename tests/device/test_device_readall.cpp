@@ -5,8 +5,7 @@
 
 #include <array>
 
-#include "SimDeviceFixture.h"
-#include "base/Messages.h"
+#include "SimAnalyser.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceIO.h"
 
@@ -14,326 +13,211 @@ namespace vexo {
 namespace {
 
 using Id = DeviceParamId;
+using Doc = SpectrumDocument;
 
-class ReadAllTest : public test::SimDeviceTest {
+class ReadAllTest : public ::testing::Test {
 protected:
     // Opens the configured device as the program does (identity, then read-all).
-    void Connect(const std::string& path) {
-        OpenMca(*m_lib, *m_doc, m_messages, ConnectionHooks{}, path, "", true);
-        ASSERT_TRUE(m_doc->bConnected) << path;
-        ASSERT_NE(m_doc->hDevice, 0);
+    void Connect(const std::string& devices, const std::string& path = "KORV-10-001") {
+        m_sim.write(devices);
+        ASSERT_TRUE(m_sim.open(path)) << path;
     }
     int32_t Raw(Id id) {
         int32_t value = 0;
-        EXPECT_EQ(m_lib->getParam(m_doc->hDevice, id, value), 0) << "id " << ToInt(id);
+        EXPECT_EQ(lib.getParam(d.hDevice, id, value), 0) << "id " << ToInt(id);
         return value;
     }
-    ScriptedMessages m_messages;
+    float RawFloat(Id id) {
+        float value = 0;
+        EXPECT_EQ(lib.getParam(d.hDevice, id, value), 0) << "id " << ToInt(id);
+        return value;
+    }
+
+    test::SimAnalyser m_sim;
+    Doc& d = *m_sim.doc;
+    DeviceLibrary& lib = *m_sim.lib;
 };
 
 constexpr int32_t kAllOfModel10 = 7 | kCapInputCounts | kCapBLRRate | kCapPURGuard | kCapTRPGuard |
                                   kCapLTTrim | kCapGpio | kCapAnalogPZ | kCapHVInhibit;
 
 TEST_F(ReadAllTest, CurrentModelTenAnswersEveryOptionalId) {
-    Load(Model10());
-    Connect("KORV-10-001");
-    EXPECT_TRUE(m_messages.shown().empty());
-    EXPECT_EQ(m_doc->szDeviceName, "KORV MCA-10");
-    EXPECT_EQ(m_doc->szDeviceSerial, "10230417");
-    EXPECT_EQ(m_doc->szFirmwareVersion, "V3.4");
-    EXPECT_EQ(m_doc->nFwMajor, 3);
-    EXPECT_EQ(m_doc->nFwMinor, 4);
-    EXPECT_EQ(m_doc->szFirmwareDate, DeviceDateText("20230915"));
-    EXPECT_EQ(m_doc->szProductionDate, DeviceDateText("20231102"));
-    EXPECT_EQ(m_doc->lCapabilities, kAllOfModel10);
-    EXPECT_EQ(m_doc->lFineGainMax, 16383);
-    EXPECT_EQ(m_doc->lClockHz, 80000000);
-    EXPECT_FLOAT_EQ(m_doc->sngMaxHV, 1500.0f);
-    EXPECT_EQ(m_doc->lChannels, Raw(Id::Channels));
-    EXPECT_EQ(m_doc->lCoarseGain, Raw(Id::CoarseGain));
-    EXPECT_EQ(m_doc->lFineGain, Raw(Id::FineGain));
-    EXPECT_EQ(m_doc->lPresetMode, Raw(Id::PresetMode));
-    EXPECT_EQ(m_doc->lPresetFirstCh, Raw(Id::PresetFirstCh));
-    EXPECT_EQ(m_doc->lPresetLastCh, Raw(Id::PresetLastCh));
-    EXPECT_EQ(m_doc->lULD, Raw(Id::ULD));
-    // In PHA mode the SCA window is read from the same ids as LLD/ULD.
-    EXPECT_EQ(m_doc->lSCALow, m_doc->lLLD);
-    EXPECT_EQ(m_doc->lSCAHigh, m_doc->lULD);
-    EXPECT_EQ(m_doc->sngDwellTime, m_doc->sngPresetTime);
+    Connect(test::Model10());
+    EXPECT_TRUE(m_sim.messages.shown().empty());
+    EXPECT_EQ(d.szDeviceName + " " + d.szDeviceSerial + " " + d.szFirmwareVersion,
+              "KORV MCA-10 10230417 V3.4");
+    EXPECT_EQ(d.nFwMajor * 10 + d.nFwMinor, 34);
+    EXPECT_EQ(d.szFirmwareDate, DeviceDateText("20230915"));
+    EXPECT_EQ(d.szProductionDate, DeviceDateText("20231102"));
+    EXPECT_EQ((std::array{d.lCapabilities, d.lFineGainMax, d.lClockHz}),
+              (std::array{kAllOfModel10, 16383, 80000000}));
+    EXPECT_FLOAT_EQ(d.sngMaxHV, 1500.0f);
+    for (auto [field, id] : {std::pair{&Doc::lChannels, Id::Channels},
+                             {&Doc::lULD, Id::ULD},
+                             {&Doc::lCoarseGain, Id::CoarseGain},
+                             {&Doc::lFineGain, Id::FineGain},
+                             {&Doc::lPresetMode, Id::PresetMode},
+                             {&Doc::lPresetFirstCh, Id::PresetFirstCh},
+                             {&Doc::lPresetLastCh, Id::PresetLastCh}})
+        EXPECT_EQ(d.*field, Raw(id)) << ToInt(id);
+    // In PHA mode the SCA window and the dwell time are read from the same ids as
+    // LLD/ULD and the preset time.
+    EXPECT_EQ((std::array{d.lSCALow, d.lSCAHigh}), (std::array{d.lLLD, d.lULD}));
+    EXPECT_EQ(d.sngDwellTime, d.sngPresetTime);
     EXPECT_EQ(Raw(Id::ConnectFlags), 256);
 }
 
-TEST_F(ReadAllTest, ModelEightLacksAnalogPoleZeroAndHVInhibit) {
-    Load(Model08("V3.2"));
-    Connect("192.168.0.42");
-    EXPECT_EQ(m_doc->lCapabilities, kAllOfModel10 & ~(kCapAnalogPZ | kCapHVInhibit));
-    EXPECT_EQ(m_doc->lAnalogPZ, 0);
-    EXPECT_EQ(m_doc->lHVInhibitEnable, 0);
-    EXPECT_EQ(m_doc->lFineGainMax, 4095);
-    EXPECT_EQ(m_doc->lClockHz, 25000000);
-    EXPECT_FLOAT_EQ(m_doc->sngMaxHV, 5000.0f);
-}
-
-TEST_F(ReadAllTest, FineGainRangeFollowsModelAndFirmware) {
-    const struct {
-        const char* firmware;
-        int32_t max;
-    } table[] = {{"V3.2", 4095}, {"V3.3", 16383}, {"V4.0", 16383}, {"V2.9", 4095}};
-    for (const auto& row : table) {
-        Load(Model08(row.firmware));
-        Connect("192.168.0.42");
-        EXPECT_EQ(m_doc->lFineGainMax, row.max) << row.firmware;
-        CloseMca(*m_lib, *m_doc);
+TEST_F(ReadAllTest, ModelEightLacksAnalogPoleZeroAndHVInhibitAndFineGainFollowsFirmware) {
+    for (auto [firmware, max] :
+         {std::pair{"V3.2", 4095}, {"V3.3", 16383}, {"V4.0", 16383}, {"V2.9", 4095}}) {
+        Connect(test::Model08(firmware), "192.168.0.42");
+        EXPECT_EQ(d.lFineGainMax, max) << firmware;
+        EXPECT_EQ(d.lCapabilities, kAllOfModel10 & ~(kCapAnalogPZ | kCapHVInhibit));
+        EXPECT_EQ(d.lAnalogPZ + d.lHVInhibitEnable, 0);
+        EXPECT_EQ(d.lClockHz, 25000000);
+        EXPECT_FLOAT_EQ(d.sngMaxHV, 5000.0f);
+        CloseMca(lib, d);
     }
 }
 
-TEST_F(ReadAllTest, OldModelSixUsesLegacyPresetWordAndGpioSwitch) {
-    Load(Model06());
-    m_doc->lPresetFirstCh = 77;
-    m_doc->lPresetLastCh = 88;
-    Connect("KORV-06-003");
-    // No id 30: capability 2 cleared; no id 35; the legacy GPIO switch answers.
-    EXPECT_EQ(m_doc->lCapabilities, 1 | kCapPresetWindow | kCapGpioLegacy);
-    EXPECT_EQ(m_doc->lPresetMode, Raw(Id::PresetModeLegacy) | kPresetTimeActive);
-    EXPECT_EQ(m_doc->lPresetFirstCh, 0);
-    EXPECT_EQ(m_doc->lPresetLastCh, 0);
-    EXPECT_EQ(m_doc->lGPIO1Func, Raw(Id::GpioLegacy) != 0 ? 1 : 0);
-    // Ids 42 and 44 answer 0 on this firmware.
-    EXPECT_EQ(m_doc->lClockHz, 25000000);
-    EXPECT_FLOAT_EQ(m_doc->sngMaxHV, 1500.0f);
-    EXPECT_EQ(m_doc->lFineGainMax, 4095);
-    EXPECT_EQ(m_doc->nFwMajor, 2);
-    EXPECT_EQ(m_doc->nFwMinor, 1);
-}
-
-TEST_F(ReadAllTest, LegacyGpioSwitchReadsAsOneWhenSet) {
-    Load(Model06());
-    Connect("KORV-06-003");
-    ASSERT_EQ(m_lib->setParam(m_doc->hDevice, Id::GpioLegacy, int32_t{5}), 0);
-    ReadAllParams(*m_lib, *m_doc);
-    EXPECT_EQ(m_doc->lGPIO1Func, 1);
-    m_doc->lGPIO1Func = 0;
-    WriteAllParams(*m_lib, *m_doc);
+TEST_F(ReadAllTest, OldModelSixUsesTheLegacyPresetWordAndGpioSwitch) {
+    d.lPresetFirstCh = 77;
+    d.lPresetLastCh = 88;
+    Connect(test::Model06(), "KORV-06-003");
+    // No id 30: capability 2 cleared; no id 35; the legacy GPIO switch answers. Ids 42
+    // and 44 answer 0 on this firmware.
+    EXPECT_EQ((std::array{d.lCapabilities, d.lPresetFirstCh, d.lPresetLastCh, d.lClockHz,
+                          d.lFineGainMax}),
+              (std::array{1 | kCapPresetWindow | kCapGpioLegacy, 0, 0, 25000000, 4095}));
+    EXPECT_EQ(d.lPresetMode, Raw(Id::PresetModeLegacy) | kPresetTimeActive);
+    EXPECT_FLOAT_EQ(d.sngMaxHV, 1500.0f);
+    ASSERT_EQ(lib.setParam(d.hDevice, Id::GpioLegacy, int32_t{5}), 0);
+    ReadAllParams(lib, d);
+    EXPECT_EQ(d.lGPIO1Func, 1); // any value of the switch reads as 1
+    d.lGPIO1Func = 0;
+    // The word is the rounded preset time's lowest bit (ties to even) and 1.
+    for (auto [seconds, word] :
+         {std::pair{3.0f, 1}, {4.0f, 0}, {2.5f, 0}, {3.5f, 0}, {1.4f, 1}, {600.0f, 0}}) {
+        d.sngPresetTime = seconds;
+        WriteAllParams(lib, d);
+        EXPECT_EQ(Raw(Id::PresetModeLegacy), word) << seconds;
+        EXPECT_FLOAT_EQ(RawFloat(Id::PresetValue), seconds);
+        ReadAllParams(lib, d);
+        EXPECT_EQ(d.lPresetMode, word | kPresetTimeActive);
+    }
     EXPECT_EQ(Raw(Id::GpioLegacy), 0);
 }
 
-TEST_F(ReadAllTest, LegacyWriteSendsRoundedPresetTimeAndOne) {
-    Load(Model06());
-    Connect("KORV-06-003");
-    const struct {
-        float seconds;
-        int32_t word;
-    } table[] = {{3.0f, 1}, {4.0f, 0}, {2.5f, 0}, {3.5f, 0}, {1.4f, 1}, {600.0f, 0}};
-    for (const auto& row : table) {
-        m_doc->sngPresetTime = row.seconds;
-        WriteAllParams(*m_lib, *m_doc);
-        EXPECT_EQ(Raw(Id::PresetModeLegacy), row.word) << row.seconds;
-        float back = 0.0f;
-        ASSERT_EQ(m_lib->getParam(m_doc->hDevice, Id::PresetValue, back), 0);
-        EXPECT_FLOAT_EQ(back, row.seconds);
-        ReadAllParams(*m_lib, *m_doc);
-        EXPECT_EQ(m_doc->lPresetMode, row.word | kPresetTimeActive);
-    }
+TEST_F(ReadAllTest, FailingOptionalReadsClearTheirBitsAndFieldsSilently) {
+    d.lPURGuard = 5;
+    d.lGPIO2Func = 9;
+    d.lClockHz = 1;
+    d.sngMaxHV = 2.0f;
+    Connect(test::Model10("FailParam=39:-7, 48:-7, 35:-7, 42:-12, 44:-12"));
+    EXPECT_EQ(d.lCapabilities & (kCapPURGuard | kCapGpio | kCapHVInhibit | kCapGpioLegacy |
+                                 kCapInputCounts | kCapTRPGuard),
+              kCapTRPGuard);
+    EXPECT_EQ(d.lPURGuard + d.lGPIO2Func, 0);
+    // Clock and maximum HV fall back when not answered.
+    EXPECT_EQ(d.lClockHz, 25000000);
+    EXPECT_FLOAT_EQ(d.sngMaxHV, 1500.0f);
+    EXPECT_TRUE(m_sim.messages.shown().empty()); // read-all never reports
 }
 
-TEST_F(ReadAllTest, MissingCountsWindowComesFromLldUld) {
-    Load(Model08() + "FailParam=32:-7\n");
-    Connect("192.168.0.42");
-    EXPECT_EQ(m_doc->lCapabilities & kCapPresetWindow, 0);
-    EXPECT_NE(m_doc->lCapabilities & kCapPresetMode, 0);
-    EXPECT_EQ(m_doc->lPresetFirstCh, Raw(Id::LLD));
-    EXPECT_EQ(m_doc->lPresetLastCh, Raw(Id::ULD));
-
-    // Write-all passes the window through 7/8 and then overwrites them: PHA gets
-    // LLD/ULD, MCS the SCA window.
-    m_doc->lPresetFirstCh = 100;
-    m_doc->lPresetLastCh = 200;
-    m_doc->lLLD = 12;
-    m_doc->lULD = 900;
-    WriteAllParams(*m_lib, *m_doc);
-    EXPECT_EQ(Raw(Id::LLD), 12);
-    EXPECT_EQ(Raw(Id::ULD), 900);
-
-    m_doc->lMCSMode = 1;
-    m_doc->lSCALow = 30;
-    m_doc->lSCAHigh = 40;
-    m_doc->sngDwellTime = 0.5f;
-    WriteAllParams(*m_lib, *m_doc);
-    EXPECT_EQ(Raw(Id::AcqMode), 1);
-    EXPECT_EQ(Raw(Id::LLD), 30);
-    EXPECT_EQ(Raw(Id::ULD), 40);
-    float dwell = 0.0f;
-    ASSERT_EQ(m_lib->getParam(m_doc->hDevice, Id::PresetValue, dwell), 0);
-    EXPECT_FLOAT_EQ(dwell, 0.5f);
-}
-
-TEST_F(ReadAllTest, ClockAndMaxHVFallBackWhenNotAnswered) {
-    Load(Model10() + "FailParam=42:-12, 44:-12\n");
-    m_doc->lClockHz = 1;
-    m_doc->sngMaxHV = 2.0f;
-    Connect("KORV-10-001");
-    EXPECT_EQ(m_doc->lClockHz, 25000000);
-    EXPECT_FLOAT_EQ(m_doc->sngMaxHV, 1500.0f);
-}
-
-TEST_F(ReadAllTest, FailingOptionalReadsClearTheirBitsAndFields) {
-    Load(Model10() + "FailParam=39:-7, 48:-7, 35:-7\n");
-    m_doc->lPURGuard = 5;
-    m_doc->lGPIO2Func = 9;
-    Connect("KORV-10-001");
-    EXPECT_EQ(m_doc->lCapabilities &
-                  (kCapPURGuard | kCapGpio | kCapHVInhibit | kCapGpioLegacy | kCapInputCounts),
-              0);
-    EXPECT_EQ(m_doc->lPURGuard, 0);
-    EXPECT_EQ(m_doc->lGPIO2Func, 0);
-    EXPECT_NE(m_doc->lCapabilities & kCapTRPGuard, 0);
-    EXPECT_TRUE(m_messages.shown().empty()); // read-all never reports
-}
-
-TEST_F(ReadAllTest, GpioPolarityIsPackedOnTheWire) {
-    Load(Model10());
-    Connect("KORV-10-001");
-    ASSERT_EQ(m_lib->setParam(m_doc->hDevice, Id::Gpio1, int32_t{0x0000800A}), 0);
-    ReadAllParams(*m_lib, *m_doc);
-    EXPECT_EQ(m_doc->lGPIO1Func, 10);
-    EXPECT_EQ(m_doc->bGPIO1Neg, 1);
-
-    m_doc->lGPIO1Func = 10;
-    m_doc->bGPIO1Neg = 1;
-    m_doc->lGPIO2Func = 3;
-    m_doc->bGPIO2Neg = 0;
-    m_doc->lHVInhibitEnable = 1;
-    m_doc->bHVInhibitNeg = 1;
-    ApplyAdvancedSettings(*m_lib, *m_doc);
-    EXPECT_EQ(static_cast<uint32_t>(Raw(Id::Gpio1)), 0xFFFF800Au);
-    EXPECT_EQ(Raw(Id::Gpio2), 3);
-    EXPECT_EQ(static_cast<uint32_t>(Raw(Id::HVInhibit)), 0xFFFF8001u);
-}
-
-TEST_F(ReadAllTest, WriteAllThenReadAllRoundTrips) {
-    Load(Model10());
-    Connect("KORV-10-001");
-    SpectrumDocument& d = *m_doc;
-    d.lChannels = 2048;
-    d.lCoarseGain = 3;
-    d.lFineGain = 10000;
-    d.lDigitalGain = 1;
-    d.lRiseTime = 100;
-    d.lFlatTop = 50;
-    d.lPoleZero = 2100;
-    d.lThreshold = 50;
-    d.lLLD = 10;
-    d.lULD = 2000;
+TEST_F(ReadAllTest, WriteAllThenReadAllRoundTripsAndPacksPolarities) {
+    Connect(test::Model10());
+    ASSERT_EQ(lib.setParam(d.hDevice, Id::Gpio1, int32_t{0x0000800A}), 0);
+    ReadAllParams(lib, d);
+    EXPECT_EQ(d.lGPIO1Func * 10 + d.bGPIO1Neg, 101);
+    const std::pair<int32_t Doc::*, int32_t> ints[] = {{&Doc::lChannels, 2048},
+                                                       {&Doc::lCoarseGain, 3},
+                                                       {&Doc::lFineGain, 10000},
+                                                       {&Doc::lDigitalGain, 1},
+                                                       {&Doc::lRiseTime, 100},
+                                                       {&Doc::lFlatTop, 50},
+                                                       {&Doc::lPoleZero, 2100},
+                                                       {&Doc::lThreshold, 50},
+                                                       {&Doc::lLLD, 10},
+                                                       {&Doc::lULD, 2000},
+                                                       {&Doc::lPresetMode, 7},
+                                                       {&Doc::lPresetCounts, 5000},
+                                                       {&Doc::lPresetFirstCh, 100},
+                                                       {&Doc::lPresetLastCh, 900},
+                                                       {&Doc::lPolarity, 1},
+                                                       {&Doc::lBLR, 0},
+                                                       {&Doc::lPUR, 0},
+                                                       {&Doc::lHVOn, 0},
+                                                       {&Doc::lLTTrim, -3},
+                                                       {&Doc::lAnalogPZ, 5},
+                                                       {&Doc::lPURGuard, 2},
+                                                       {&Doc::lTRPGuard, 1},
+                                                       {&Doc::lBLRRate, 2},
+                                                       {&Doc::lGPIO1Func, 10},
+                                                       {&Doc::bGPIO1Neg, 1},
+                                                       {&Doc::lGPIO2Func, 7},
+                                                       {&Doc::bGPIO2Neg, 0},
+                                                       {&Doc::lHVInhibitEnable, 1},
+                                                       {&Doc::bHVInhibitNeg, 1}};
+    for (auto [field, value] : ints)
+        d.*field = value;
     d.sngPresetTime = 120.0f;
-    d.lPresetMode = kPresetLiveTime | kPresetTimeActive | kPresetCountsActive;
-    d.lPresetCounts = 5000;
-    d.lPresetFirstCh = 100;
-    d.lPresetLastCh = 900;
-    d.lPolarity = 1;
-    d.lBLR = 0;
-    d.lPUR = 0;
     d.sngHighVoltage = 700.0f;
-    d.lHVOn = 0;
     d.dDeviceCal = {1.5, 0.75, 0.001};
-    d.lLTTrim = -3;
-    d.lAnalogPZ = 5;
-    d.lPURGuard = 2;
-    d.lTRPGuard = 1;
-    d.lBLRRate = 2;
-    d.lGPIO1Func = 4;
-    d.bGPIO1Neg = 0;
-    d.lGPIO2Func = 7;
-    d.bGPIO2Neg = 1;
-    d.lHVInhibitEnable = 0;
-    d.bHVInhibitNeg = 1;
-    WriteAllParams(*m_lib, d);
+    ApplyAdvancedSettings(lib, d);
+    EXPECT_EQ(static_cast<uint32_t>(Raw(Id::Gpio1)), 0xFFFF800Au);
+    EXPECT_EQ(Raw(Id::Gpio2), 7);
+    EXPECT_EQ(static_cast<uint32_t>(Raw(Id::HVInhibit)), 0xFFFF8001u);
+    WriteAllParams(lib, d);
+    EXPECT_EQ(Raw(Id::McsChannels), 2048);
 
-    auto back = std::make_unique<SpectrumDocument>();
+    auto back = std::make_unique<Doc>();
     back->hDevice = d.hDevice;
     back->szDeviceSerial = d.szDeviceSerial;
     back->nFwMajor = d.nFwMajor;
     back->nFwMinor = d.nFwMinor;
-    ReadAllParams(*m_lib, *back);
-    const SpectrumDocument& b = *back;
-    EXPECT_EQ(b.lChannels, 2048);
-    EXPECT_EQ(b.lCoarseGain, 3);
-    EXPECT_EQ(b.lFineGain, 10000);
-    EXPECT_EQ(b.lDigitalGain, 1);
-    EXPECT_EQ(b.lRiseTime, 100);
-    EXPECT_EQ(b.lFlatTop, 50);
-    EXPECT_EQ(b.lPoleZero, 2100);
-    EXPECT_EQ(b.lThreshold, 50);
-    EXPECT_EQ(b.lLLD, 10);
-    EXPECT_EQ(b.lULD, 2000);
-    EXPECT_FLOAT_EQ(b.sngPresetTime, 120.0f);
-    EXPECT_EQ(b.lPresetMode, d.lPresetMode);
-    EXPECT_EQ(b.lPresetCounts, 5000);
-    EXPECT_EQ(b.lPresetFirstCh, 100);
-    EXPECT_EQ(b.lPresetLastCh, 900);
-    EXPECT_EQ(b.lPolarity, 1);
-    EXPECT_EQ(b.lBLR, 0);
-    EXPECT_EQ(b.lPUR, 0);
-    EXPECT_FLOAT_EQ(b.sngHighVoltage, 700.0f);
-    EXPECT_EQ(b.lHVOn & kHVOn, 0);
-    EXPECT_EQ(b.dDeviceCal[0], static_cast<double>(1.5f));
-    EXPECT_EQ(b.dDeviceCal[1], static_cast<double>(0.75f));
-    EXPECT_EQ(b.dDeviceCal[2], static_cast<double>(0.001f));
-    EXPECT_EQ(b.lLTTrim, -3);
-    EXPECT_EQ(b.lAnalogPZ, 5);
-    EXPECT_EQ(b.lPURGuard, 2);
-    EXPECT_EQ(b.lTRPGuard, 1);
-    EXPECT_EQ(b.lBLRRate, 2);
-    EXPECT_EQ(b.lGPIO1Func, 4);
-    EXPECT_EQ(b.bGPIO1Neg, 0);
-    EXPECT_EQ(b.lGPIO2Func, 7);
-    EXPECT_EQ(b.bGPIO2Neg, 1);
-    EXPECT_EQ(b.lHVInhibitEnable, 0);
-    EXPECT_EQ(b.bHVInhibitNeg, 1);
-    EXPECT_EQ(Raw(Id::McsChannels), 2048);
+    ReadAllParams(lib, *back);
+    for (auto [field, value] : ints)
+        EXPECT_EQ((*back).*field, value);
+    EXPECT_FLOAT_EQ(back->sngPresetTime, 120.0f);
+    EXPECT_FLOAT_EQ(back->sngHighVoltage, 700.0f);
+    EXPECT_EQ(back->dDeviceCal, (std::array<double, 3>{1.5f, 0.75f, 0.001f}));
 }
 
 TEST_F(ReadAllTest, DeviceCalibrationIsWrittenAloneAsFloats) {
-    Load(Model10());
-    Connect("KORV-10-001");
-    m_doc->dDeviceCal = {-2.0, 0.5, 1e-4};
-    EXPECT_EQ(WriteDeviceCalibration(*m_lib, *m_doc), 0);
+    auto closed = std::make_unique<Doc>();
+    EXPECT_EQ(WriteDeviceCalibration(lib, *closed), 0); // nothing open: nothing sent
+    Connect(test::Model10());
+    d.dDeviceCal = {-2.0, 0.5, 1e-4};
+    EXPECT_EQ(WriteDeviceCalibration(lib, d), 0);
     std::array<float, 3> cal{};
-    ASSERT_EQ(m_lib->getParam(m_doc->hDevice, Id::DeviceCalibration, cal.data(), 12), 0);
-    EXPECT_EQ(cal[0], -2.0f);
-    EXPECT_EQ(cal[1], 0.5f);
-    EXPECT_EQ(cal[2], 1e-4f);
-
-    auto closed = std::make_unique<SpectrumDocument>();
-    EXPECT_EQ(WriteDeviceCalibration(*m_lib, *closed), 0); // nothing open: nothing sent
+    ASSERT_EQ(lib.getParam(d.hDevice, Id::DeviceCalibration, cal.data(), 12), 0);
+    EXPECT_EQ(cal, (std::array{-2.0f, 0.5f, 1e-4f}));
 }
 
 TEST_F(ReadAllTest, IdentityReadFailuresAreShownInReadOrderAndTheReadGoesOn) {
     // Read order is 0, 1, 4, 2, 3: the production date's failure comes before the
     // firmware date's.
-    Load(Model10() + "FailParam=3:-6, 4:-5, 1:-3\n");
-    Connect("KORV-10-001");
-    ASSERT_EQ(m_messages.shown().size(), 3u);
+    Connect(test::Model10("FailParam=3:-6, 4:-5, 1:-3"));
+    ASSERT_EQ(m_sim.messages.shown().size(), 3u);
     const char* expected[] = {"Invalid TPC/IP socket", "Invalid parameter", "Invalid argument"};
     for (std::size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(m_messages.shown()[i].title, "Vexo");
-        EXPECT_EQ(m_messages.shown()[i].text, expected[i]);
-        EXPECT_EQ(m_messages.shown()[i].icon, MsgIcon::Critical);
+        EXPECT_EQ(m_sim.messages.shown()[i].title, "Vexo");
+        EXPECT_EQ(m_sim.messages.shown()[i].text, expected[i]);
+        EXPECT_EQ(m_sim.messages.shown()[i].icon, MsgIcon::Critical);
     }
-    EXPECT_EQ(m_doc->szDeviceName, "KORV MCA-10");
-    EXPECT_EQ(m_doc->szFirmwareVersion, "V3.4");
-    EXPECT_TRUE(m_doc->bConnected);
+    EXPECT_EQ(d.szDeviceName + " " + d.szFirmwareVersion, "KORV MCA-10 V3.4");
+    EXPECT_TRUE(d.bConnected);
     // The serial could not be read, so the model-gated features fall back.
-    EXPECT_EQ(m_doc->szDeviceSerial, "");
-    EXPECT_EQ(m_doc->lFineGainMax, 4095);
+    EXPECT_EQ(d.szDeviceSerial, "");
+    EXPECT_EQ(d.lFineGainMax, 4095);
 }
 
 TEST_F(ReadAllTest, NothingHappensWithoutADevice) {
-    Load(Model10());
-    m_doc->lCapabilities = 0x55;
-    ReadAllParams(*m_lib, *m_doc);
-    WriteAllParams(*m_lib, *m_doc);
-    ApplyAdvancedSettings(*m_lib, *m_doc);
-    EXPECT_EQ(m_doc->lCapabilities, 0x55);
+    d.lCapabilities = 0x55;
+    ReadAllParams(lib, d);
+    WriteAllParams(lib, d);
+    ApplyAdvancedSettings(lib, d);
+    EXPECT_EQ(d.lCapabilities, 0x55);
 }
 
 } // namespace

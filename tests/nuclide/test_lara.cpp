@@ -1,6 +1,8 @@
 // LARA decay-data files: synthetic text for the rules, real files read in place.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "TestSupport.h"
 #include "nuclide/LaraFile.h"
 
@@ -47,10 +49,8 @@ TEST(Lara, ParsesHeaderHalfLifeAndEmissions) {
     EXPECT_DOUBLE_EQ(n.emissions[2].intensityPercent, 85.01);
     EXPECT_DOUBLE_EQ(n.emissions[2].energyUncKeV, 0.003);
     EXPECT_EQ(n.emissions[2].origin, "Ba-137");
-}
-
-TEST(Lara, SecondsOnlyHalfLifeIsKept) {
-    LaraRead read = ParseLara("Nuclide ; X-1\nHalf-life (s) ; 153.27 ; 0.08\n");
+    // A half-life in seconds only is kept in seconds.
+    read = ParseLara("Nuclide ; X-1\nHalf-life (s) ; 153.27 ; 0.08\n");
     ASSERT_TRUE(read.ok);
     EXPECT_EQ(read.nuclide.halfLifeUnit, 5);
     EXPECT_DOUBLE_EQ(read.nuclide.halfLife, 153.27);
@@ -88,59 +88,13 @@ TEST(Lara, TypeAndUnitVocabularies) {
         EXPECT_EQ(LaraRadiationText(t.lara), t.ours) << t.lara;
     EXPECT_FALSE(LaraRadiationText("e"));
     EXPECT_FALSE(LaraRadiationText("G"));
-    EXPECT_EQ(LaraHalfLifeUnit("a"), 9);
-    EXPECT_EQ(LaraHalfLifeUnit("d"), 8);
-    EXPECT_EQ(LaraHalfLifeUnit("h"), 7);
-    EXPECT_EQ(LaraHalfLifeUnit("min"), 6);
-    EXPECT_EQ(LaraHalfLifeUnit("s"), 5);
-    EXPECT_EQ(LaraHalfLifeUnit("ms"), 4);
-    EXPECT_EQ(LaraHalfLifeUnit("\xC2\xB5s"), 3);
+    int unit = 9;
+    for (const char* text : {"a", "d", "h", "min", "s", "ms", "\xC2\xB5s"})
+        EXPECT_EQ(LaraHalfLifeUnit(text), unit--) << text;
     EXPECT_FALSE(LaraHalfLifeUnit("yr"));
 }
 
 TEST(Lara, RealFilesReadInPlace) {
-    if (!std::filesystem::is_directory(LaraDir()))
-        GTEST_SKIP() << "no decay data at " << LaraDir();
-    struct Expect {
-        const char* file;
-        const char* name;
-        int z;
-        int unit;
-        double halfLife;
-        double lineKeV;
-        double intensity;
-    } cases[] = {
-        {"Cs-137", "Cs-137", 55, 9, 30.018, 661.6553, 85.01},
-        {"Na-22", "Na-22", 11, 9, 2.6029, 1274.537, 99.94},
-        {"Co-57", "Co-57", 27, 8, 271.81, 0, 0},
-        {"Ba-137m", "Ba-137m", 56, 6, 2.5545, 0, 0},
-        {"Tl-208", "Tl-208", 81, 6, 3.058, 0, 0},
-    };
-    for (const auto& c : cases) {
-        LaraRead read = ReadLaraFile(LaraDir() / (std::string(c.file) + ".lara.txt"));
-        if (!read.ok && !std::filesystem::exists(LaraDir() / (std::string(c.file) + ".lara.txt")))
-            continue;
-        ASSERT_TRUE(read.ok) << read.error;
-        EXPECT_EQ(read.nuclide.name, c.name);
-        EXPECT_EQ(read.nuclide.atomicNumber, c.z);
-        EXPECT_EQ(read.nuclide.halfLifeUnit, c.unit) << c.file;
-        EXPECT_DOUBLE_EQ(read.nuclide.halfLife, c.halfLife) << c.file;
-        ASSERT_FALSE(read.nuclide.emissions.empty());
-        if (c.lineKeV > 0) {
-            bool found = false;
-            for (const auto& e : read.nuclide.emissions)
-                if (e.energyKeV == c.lineKeV) {
-                    found = true;
-                    EXPECT_DOUBLE_EQ(e.intensityPercent, c.intensity);
-                }
-            EXPECT_TRUE(found) << c.file << " " << c.lineKeV;
-        }
-        for (std::size_t i = 1; i < read.nuclide.emissions.size(); ++i)
-            EXPECT_LE(read.nuclide.emissions[i - 1].energyKeV, read.nuclide.emissions[i].energyKeV);
-    }
-}
-
-TEST(Lara, EveryShippedFileParses) {
     if (!std::filesystem::is_directory(LaraDir()))
         GTEST_SKIP() << "no decay data at " << LaraDir();
     int files = 0;
@@ -153,13 +107,36 @@ TEST(Lara, EveryShippedFileParses) {
         EXPECT_GT(read.nuclide.atomicNumber, 0) << entry.path();
     }
     EXPECT_GT(files, 0);
-}
-
-TEST(Lara, MissingFileFails) {
-    vexo::test::TempDir dir;
-    LaraRead read = ReadLaraFile(dir / "none.lara.txt");
-    EXPECT_FALSE(read.ok);
-    EXPECT_NE(read.error.find("none.lara.txt"), std::string::npos);
+    const struct {
+        const char* name;
+        int z, unit;
+        double halfLife, lineKeV, intensity; // one line and its intensity, 0: none checked
+    } cases[] = {{"Cs-137", 55, 9, 30.018, 661.6553, 85.01},
+                 {"Na-22", 11, 9, 2.6029, 1274.537, 99.94},
+                 {"Co-57", 27, 8, 271.81, 0, 0},
+                 {"Ba-137m", 56, 6, 2.5545, 0, 0},
+                 {"Tl-208", 81, 6, 3.058, 0, 0}};
+    for (const auto& c : cases) {
+        LaraRead read = ReadLaraFile(LaraDir() / (std::string(c.name) + ".lara.txt"));
+        ASSERT_TRUE(read.ok) << read.error;
+        EXPECT_EQ(read.nuclide.name, c.name);
+        EXPECT_EQ(read.nuclide.atomicNumber, c.z);
+        EXPECT_EQ(read.nuclide.halfLifeUnit, c.unit) << c.name;
+        EXPECT_DOUBLE_EQ(read.nuclide.halfLife, c.halfLife) << c.name;
+        const auto& e = read.nuclide.emissions;
+        EXPECT_TRUE(std::is_sorted(e.begin(), e.end(), [](const auto& a, const auto& b) {
+            return a.energyKeV < b.energyKeV;
+        })) << c.name;
+        const auto line = std::find_if(e.begin(), e.end(),
+                                       [&](const auto& x) { return x.energyKeV == c.lineKeV; });
+        if (c.lineKeV > 0) {
+            ASSERT_NE(line, e.end()) << c.name << " " << c.lineKeV;
+            EXPECT_DOUBLE_EQ(line->intensityPercent, c.intensity);
+        }
+    }
+    LaraRead missing = ReadLaraFile(LaraDir() / "none.lara.txt");
+    EXPECT_FALSE(missing.ok);
+    EXPECT_NE(missing.error.find("none.lara.txt"), std::string::npos);
 }
 
 TEST(Lara, ParentBlocksAreTaggedAndRulesSkipped) {

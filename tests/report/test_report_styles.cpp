@@ -32,17 +32,9 @@ void ExpectDefaultOnly(const ReportStyleList& list) {
 } // namespace
 
 TEST(DefaultReportStyle, KeepsItsQuirks) {
-    ReportStyle d = DefaultReportStyle();
-    EXPECT_EQ(d.sectionName, "None");
-    EXPECT_EQ(d.index, 1);
-    EXPECT_EQ(d.CS_TitleBorder, 1);
-    EXPECT_EQ(d.CS_TitleColor, "#000000");
-    EXPECT_EQ(d.CS_TitleFont, "tahoma");
-    EXPECT_EQ(d.CS_HeaderBack, "#FFFFFF");
-    EXPECT_EQ(d.CS_HeaderFore, "#000000");
-    EXPECT_EQ(d.CS_RowBack, "#000000"); // black even rows
-    EXPECT_EQ(d.CS_RowFore, "");
-    EXPECT_EQ(d.CS_Description, "");
+    // Black even rows with no text colour, a title border of 1.
+    EXPECT_EQ(DefaultReportStyle(), (ReportStyle{"None", "", 1, "tahoma", "#000000", 1, "#FFFFFF",
+                                                 "#000000", "#000000", ""}));
 }
 
 TEST_F(ReportStylesTest, MissingFileTellsAndGivesDefault) {

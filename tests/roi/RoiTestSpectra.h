@@ -1,7 +1,9 @@
 #pragma once
 // Synthetic spectra and a short way to run the ROI analysis on them, shared by the
 // ROI analysis tests.
+#include <array>
 #include <cstdint>
+#include <initializer_list>
 #include <vector>
 
 #include "roi/clsROI.h"
@@ -17,6 +19,17 @@ struct Spectrum {
             y[i] = value;
     }
 };
+
+// Flat runs {first, last, level}, then `values` from channel `first` on over them.
+inline Spectrum Counts(std::initializer_list<std::array<int32_t, 3>> runs, int32_t first = 0,
+                       std::initializer_list<int32_t> values = {}) {
+    Spectrum s;
+    for (const auto& r : runs)
+        s.fill(r[0], r[1], r[2]);
+    for (int32_t v : values)
+        s.y[first++] = v;
+    return s;
+}
 
 struct Outcome {
     bool ok = false;
@@ -38,21 +51,14 @@ inline Outcome Compute(clsROI& roi, const Spectrum& s, float sTime,
     return run;
 }
 
-inline EnergyCalibration Slope(double slope) {
-    EnergyCalibration cal;
-    cal.dSlope = slope;
-    return cal;
+inline EnergyCalibration Cal(double offset, double slope, double quad) {
+    return {false, offset, slope, quad};
 }
 
 // Background 10 on channels 0..200; a triangle on top with apex 90 at channel 104:
 // y(100..108) = 10 30 50 70 90 70 50 30 10.
 inline Spectrum Triangle() {
-    Spectrum s;
-    s.fill(0, 200, 10);
-    const int32_t peak[] = {10, 30, 50, 70, 90, 70, 50, 30, 10};
-    for (int i = 0; i < 9; ++i)
-        s.y[100 + i] = peak[i];
-    return s;
+    return Counts({{0, 200, 10}}, 100, {10, 30, 50, 70, 90, 70, 50, 30, 10});
 }
 
 } // namespace vexo::test

@@ -34,36 +34,25 @@ clsROI Roi98To110() {
 
 } // namespace
 
-struct ReadoutCase {
-    int32_t scale;
-    float sTime;
-    const char* netArea;
-    const char* integral;
-    const char* netRate;
-    const char* intRate;
-};
-
-class UpdateCompRoiTexts : public ::testing::TestWithParam<ReadoutCase> {};
-
-TEST_P(UpdateCompRoiTexts, FormatsAreaAndRates) {
-    const ReadoutCase& c = GetParam();
-    auto doc = TriangleDocument(c.scale);
-    clsROI roi = Roi98To110();
-    RoiReadout r = UpdateCompROI(roi, c.sTime, *doc);
-    ASSERT_TRUE(r.ok);
-    EXPECT_EQ(r.error, "");
-    EXPECT_EQ(r.netArea, c.netArea);
-    EXPECT_EQ(r.integral, c.integral);
-    EXPECT_EQ(r.netRate, c.netRate);
-    EXPECT_EQ(r.intRate, c.intRate);
+TEST(UpdateCompRoi, FormatsAreaAndRatesByMagnitude) {
+    const struct {
+        int32_t scale;
+        float sTime;
+        const char *netArea, *integral, *netRate, *intRate;
+    } cases[] = {{1, 10.0f, "300.00", "450.00", "30.0 CPS", "45.0 CPS"},
+                 {100, 3.0f, "30000.0", "45000.0", "10000.0 CPS", "15000.0 CPS"},
+                 {1000, 7.0f, "3.00E+5", "4.50E+5", "42857.1 CPS", "64285.7 CPS"},
+                 {1, 0.0f, "300.00", "450.00", "0.0 CPS", "0.0 CPS"}};
+    for (const auto& c : cases) {
+        auto doc = TriangleDocument(c.scale);
+        clsROI roi = Roi98To110();
+        RoiReadout r = UpdateCompROI(roi, c.sTime, *doc);
+        ASSERT_TRUE(r.ok);
+        EXPECT_EQ(r.error, "");
+        EXPECT_EQ(r.netArea + " " + r.integral + " " + r.netRate + " " + r.intRate,
+                  std::string(c.netArea) + " " + c.integral + " " + c.netRate + " " + c.intRate);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Magnitudes, UpdateCompRoiTexts,
-    ::testing::Values(ReadoutCase{1, 10.0f, "300.00", "450.00", "30.0 CPS", "45.0 CPS"},
-                      ReadoutCase{100, 3.0f, "30000.0", "45000.0", "10000.0 CPS", "15000.0 CPS"},
-                      ReadoutCase{1000, 7.0f, "3.00E+5", "4.50E+5", "42857.1 CPS", "64285.7 CPS"},
-                      ReadoutCase{1, 0.0f, "300.00", "450.00", "0.0 CPS", "0.0 CPS"}));
 
 TEST(UpdateCompRoi, FalseAnalysisGivesNoTextsAndNoError) {
     auto doc = std::make_unique<SpectrumDocument>();
@@ -81,26 +70,25 @@ TEST(UpdateCompRoi, FalseAnalysisGivesNoTextsAndNoError) {
 }
 
 TEST(UpdateCompRoi, ArithmeticFaultsBecomeErrorText) {
-    auto doc = std::make_unique<SpectrumDocument>();
-    clsROI roi = Roi98To110();
-    doc->lCounts[100] = doc->lCounts[101] = 2000000000;
-    RoiReadout overflow = UpdateCompROI(roi, 1.0f, *doc);
-    EXPECT_FALSE(overflow.ok);
-    EXPECT_EQ(overflow.error, "Overflow");
-
-    doc = std::make_unique<SpectrumDocument>();
-    doc->lCounts[16384] = 5; // centroid past the last slot
-    roi.set_lROILCh(16380);
-    roi.set_lROIRCh(16384);
-    RoiReadout subscript = UpdateCompROI(roi, 1.0f, *doc);
-    EXPECT_FALSE(subscript.ok);
-    EXPECT_EQ(subscript.error, "Subscript out of range");
-
-    roi.set_lROILCh(100);
-    roi.set_lROIRCh(99); // no channel: background per channel divides by 0
-    RoiReadout division = UpdateCompROI(roi, 1.0f, *doc);
-    EXPECT_FALSE(division.ok);
-    EXPECT_EQ(division.error, "Division by zero");
+    // Counts beyond 32 bits together; the centroid past the last slot; no channel at all
+    // (the background per channel divides by 0).
+    const struct {
+        int32_t first, last, L, R;
+        const char* error;
+    } cases[] = {{100, 101, 98, 110, "Overflow"},
+                 {16384, 16384, 16380, 16384, "Subscript out of range"},
+                 {0, -1, 100, 99, "Division by zero"}};
+    for (const auto& c : cases) {
+        auto doc = std::make_unique<SpectrumDocument>();
+        for (int32_t i = c.first; i <= c.last; ++i)
+            doc->lCounts[i] = c.first == 16384 ? 5 : 2000000000;
+        clsROI roi = Roi98To110();
+        roi.set_lROILCh(c.L);
+        roi.set_lROIRCh(c.R);
+        RoiReadout r = UpdateCompROI(roi, 1.0f, *doc);
+        EXPECT_FALSE(r.ok);
+        EXPECT_EQ(r.error, c.error);
+    }
 }
 
 TEST(EditRoiRows, ThirteenRowsAfterAnalysis) {

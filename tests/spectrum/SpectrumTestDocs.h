@@ -1,6 +1,8 @@
 #pragma once
 // Documents used by the spectrum file tests.
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "base/DateTime.h"
 #include "spectrum/SpectrumDocument.h"
@@ -41,6 +43,15 @@ inline std::unique_ptr<SpectrumDocument> MakeFullDocument() {
     doc->plot.rois.push_back({100, 120, 65280, true, "Cs-137"});
     doc->plot.rois.push_back({400, 460, 16711680, false, "Co 60 line"});
     return doc;
+}
+
+// The plot's ROIs as one text, "first-last colour flag name" each, ";" between them.
+inline std::string RoiText(const std::vector<PlotRoi>& rois) {
+    std::string text;
+    for (const PlotRoi& r : rois)
+        text += std::to_string(r.lFirst) + "-" + std::to_string(r.lLast) + " " +
+                std::to_string(r.lColor) + " " + (r.bFlag ? "1 " : "0 ") + r.szName + ";";
+    return text;
 }
 
 } // namespace vexo::test

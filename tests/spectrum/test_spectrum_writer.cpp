@@ -44,6 +44,8 @@ std::unique_ptr<SpectrumDocument> SmallDocument() {
     doc->lChannels = 10;
     for (int i = 0; i < 10; ++i)
         doc->lCounts[i] = i * 11;
+    doc->lCounts[4] = 2147483647;
+    doc->lCounts[5] = -2147483647 - 1;
     // Slots past the last channel are written as they are on the last line.
     for (int i = 10; i < 16; ++i)
         doc->lCounts[i] = 7;
@@ -80,67 +82,54 @@ const char* const kSmallExpected =
     "$DATA:\r\n"
     " 0             9 \r\n"
     // clang-format off
-    " 0             11            22            33            44            55            66            77 \r\n"
+    " 0             11            22            33            2147483647   -2147483648    66            77 \r\n"
     " 88            99            7             7            -3             7             7             7 \r\n";
 // clang-format on
 
-TEST(SpectrumWriter, WritesTheExactLayout) {
+TEST(SpectrumWriter, WritesTheExactLayoutWhateverTheExtension) {
     auto doc = SmallDocument();
     TempDir dir;
     std::string error;
     ASSERT_TRUE(bSaveFullSpectrum(*doc, dir / "small.spe", &error)) << error;
     EXPECT_EQ(test::ReadBytes(dir / "small.spe"), kSmallExpected);
+    ScriptedMessages messages;
+    EXPECT_TRUE(SaveAllSpectrum(*doc, dir / "a.dat", messages));
+    EXPECT_TRUE(messages.shown().empty());
+    EXPECT_EQ(test::ReadBytes(dir / "a.dat"), kSmallExpected);
 }
 
-TEST(SpectrumWriter, NoRoiSectionWithoutPlotRois) {
+TEST(SpectrumWriter, NoRoiSectionWithoutPlotRoisAndNoCountsWithoutChannels) {
     auto doc = SmallDocument();
     doc->plot.rois.clear();
-    std::string text = FullSpectrumBytes(*doc);
-    EXPECT_EQ(text.find("$ROI:"), std::string::npos);
-    EXPECT_NE(text.find("1.234568E-05\r\n$DATA:\r\n"), std::string::npos);
+    EXPECT_NE(FullSpectrumBytes(*doc).find("1.234568E-05\r\n$DATA:\r\n"), std::string::npos);
+    doc->lChannels = 0;
+    EXPECT_EQ(SplitLines(FullSpectrumBytes(*doc)).back(), " 0            -1 ");
 }
 
 TEST(SpectrumWriter, TextIsWrittenInWindows1252) {
     auto doc = SmallDocument();
     doc->szSpectrumID = "Probe \xC3\xA4 \xE2\x82\xAC"; // a-umlaut and euro sign in UTF-8
-    TempDir dir;
-    ASSERT_TRUE(bSaveFullSpectrum(*doc, dir / "w.spe"));
-    EXPECT_NE(test::ReadBytes(dir / "w.spe").find("\r\nProbe \xE4 \x80\r\n"), std::string::npos);
+    EXPECT_NE(FullSpectrumBytes(*doc).find("\r\nProbe \xE4 \x80\r\n"), std::string::npos);
 }
 
-struct LastLineCase {
-    int32_t channels;
-    int32_t firstIndex; // index of the first value on the last counts line
-};
-
-class SpectrumWriterLastLine : public ::testing::TestWithParam<LastLineCase> {};
-
-TEST_P(SpectrumWriterLastLine, HoldsEightValuesFromTheArray) {
+TEST(SpectrumWriter, LastCountsLineHoldsEightValuesFromTheArray) {
     auto doc = std::make_unique<SpectrumDocument>();
     for (std::size_t i = 0; i < COUNTS_SLOTS; ++i)
         doc->lCounts[i] = static_cast<int32_t>(i) + 100000;
-    doc->lChannels = GetParam().channels;
-    std::string text = FullSpectrumBytes(*doc);
-    auto lines = SplitLines(text);
-    std::string expected;
-    for (int k = 0; k < 8; ++k) {
-        std::string item = " " + std::to_string(GetParam().firstIndex + k + 100000) + " ";
-        if (k < 7)
-            item.resize(14, ' ');
-        expected += item;
+    // {channels, index of the first value on the last counts line}
+    for (auto [channels, first] : {std::pair{1000, 992}, {1001, 1000}, {1, 0}, {16384, 16376}}) {
+        doc->lChannels = channels;
+        const auto lines = SplitLines(FullSpectrumBytes(*doc));
+        std::string expected;
+        for (int k = 0; k < 8; ++k) {
+            std::string item = " " + std::to_string(first + k + 100000) + " ";
+            item.resize(k < 7 ? 14 : item.size(), ' ');
+            expected += item;
+        }
+        EXPECT_EQ(lines.back(), expected) << channels;
+        auto dataTag = std::find(lines.begin(), lines.end(), "$DATA:");
+        EXPECT_EQ(lines.end() - dataTag - 2, (channels + 7) / 8) << channels;
     }
-    EXPECT_EQ(lines.back(), expected);
-    auto dataTag = std::find(lines.begin(), lines.end(), "$DATA:");
-    ASSERT_NE(dataTag, lines.end());
-    EXPECT_EQ(lines.end() - dataTag - 2, (GetParam().channels + 7) / 8);
-}
-
-INSTANTIATE_TEST_SUITE_P(Boundaries, SpectrumWriterLastLine,
-                         ::testing::Values(LastLineCase{1000, 992}, LastLineCase{1001, 1000},
-                                           LastLineCase{1, 0}, LastLineCase{16384, 16376}));
-
-TEST(SpectrumWriter, MoreChannelsThanTheArrayFailsWithoutWriting) {
-    auto doc = std::make_unique<SpectrumDocument>();
     doc->lChannels = 16385;
     TempDir dir;
     std::string error;
@@ -149,20 +138,10 @@ TEST(SpectrumWriter, MoreChannelsThanTheArrayFailsWithoutWriting) {
     EXPECT_FALSE(std::filesystem::exists(dir / "x.spe"));
 }
 
-TEST(SpectrumWriter, ZeroChannelsWritesTheRangeAndNoCounts) {
-    auto doc = std::make_unique<SpectrumDocument>();
-    doc->lChannels = 0;
-    auto lines = SplitLines(FullSpectrumBytes(*doc));
-    EXPECT_EQ(lines.back(), " 0            -1 ");
-}
-
 TEST(PlainCountsWriter, OneIntegerItemPerChannel) {
     auto doc = std::make_unique<SpectrumDocument>();
     doc->lChannels = 3;
-    doc->lCounts[0] = 57;
-    doc->lCounts[1] = -3;
-    doc->lCounts[2] = 0;
-    doc->lCounts[3] = 99; // past the end: not written
+    doc->lCounts = {57, -3, 0, 99}; // the fourth is past the end: not written
     TempDir dir;
     SaveResult saved = SaveSpectrum(*doc, dir / "p.dat");
     ASSERT_TRUE(saved.ok) << saved.error;
@@ -170,31 +149,13 @@ TEST(PlainCountsWriter, OneIntegerItemPerChannel) {
 }
 
 TEST(SaveAll, FailureShowsTheExclamationMessage) {
-    auto doc = SmallDocument();
     TempDir dir;
     ScriptedMessages messages;
-    EXPECT_FALSE(SaveAllSpectrum(*doc, dir / "missing-folder" / "a.spe", messages));
+    EXPECT_FALSE(SaveAllSpectrum(*SmallDocument(), dir / "missing-folder" / "a.spe", messages));
     ASSERT_EQ(messages.shown().size(), 1u);
     EXPECT_EQ(messages.shown()[0].title, "Vexo");
     EXPECT_EQ(messages.shown()[0].icon, MsgIcon::Exclamation);
     EXPECT_EQ(messages.shown()[0].text, "Error saving file: No such file or directory");
-}
-
-TEST(SaveAll, SuccessShowsNothingAndWritesTheFullFormatWhateverTheExtension) {
-    auto doc = SmallDocument();
-    TempDir dir;
-    ScriptedMessages messages;
-    EXPECT_TRUE(SaveAllSpectrum(*doc, dir / "a.dat", messages));
-    EXPECT_TRUE(messages.shown().empty());
-    EXPECT_EQ(test::ReadBytes(dir / "a.dat"), kSmallExpected);
-}
-
-TEST(SpectrumDialogs, FiltersJoinTheirEntriesInOrder) {
-    EXPECT_EQ(kOpenSpectrumTitle, "Open Spectrum...");
-    EXPECT_EQ(kSaveSpectrumDefaultExt, "dat");
-    EXPECT_EQ(kSaveAllSpectrumFilter, kOpenSpectrumFilter);
-    EXPECT_EQ(kSaveSpectrumFilter,
-              "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*");
 }
 
 } // namespace

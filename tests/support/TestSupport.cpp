@@ -1,10 +1,11 @@
 #include "TestSupport.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <fstream>
-#include <random>
 #include <sstream>
 #include <stdexcept>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace vexo::test {
@@ -28,6 +29,21 @@ TempDir::~TempDir() {
     std::filesystem::remove_all(m_path, ec);
 }
 
+ScopedEnv::ScopedEnv(const char* name, const std::string& value) : m_name(name) {
+    if (const char* old = std::getenv(name)) {
+        m_had = true;
+        m_old = old;
+    }
+    ::setenv(name, value.c_str(), 1);
+}
+
+ScopedEnv::~ScopedEnv() {
+    if (m_had)
+        ::setenv(m_name, m_old.c_str(), 1);
+    else
+        ::unsetenv(m_name);
+}
+
 void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
     std::ofstream out(path, std::ios::binary);
     out << bytes;
@@ -48,6 +64,26 @@ std::filesystem::path SharedDir() {
 }
 std::filesystem::path BinDir() {
     return VEXO_BIN_DIR;
+}
+
+std::string Quoted(const std::string& text) {
+    std::string q = "'";
+    for (char c : text)
+        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return q + "'";
+}
+
+CliRun RunCli(const std::string& args, const std::string& env) {
+    TempDir dir;
+    const std::string command =
+        "VEXO_TICK_MS=0 " + env + " timeout 60 " + Quoted((BinDir() / "vexo-cli").string()) + " " +
+        args + " >" + Quoted((dir / "out").string()) + " 2>" + Quoted((dir / "err").string());
+    const int status = std::system(command.c_str());
+    CliRun run;
+    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.out = ReadBytes(dir / "out");
+    run.err = ReadBytes(dir / "err");
+    return run;
 }
 
 } // namespace vexo::test

@@ -1,5 +1,6 @@
 #pragma once
-// Helpers shared by the test executables: scratch folders and the shared test data.
+// Helpers shared by the test executables: scratch folders, the shared test data, the
+// environment and runs of the built command-line tool.
 #include <filesystem>
 #include <string>
 
@@ -19,6 +20,21 @@ private:
     std::filesystem::path m_path;
 };
 
+// Sets an environment variable while the object lives (child processes inherit it) and
+// restores the earlier value afterwards.
+class ScopedEnv {
+public:
+    ScopedEnv(const char* name, const std::string& value);
+    ~ScopedEnv();
+    ScopedEnv(const ScopedEnv&) = delete;
+    ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+private:
+    const char* m_name;
+    std::string m_old;
+    bool m_had = false;
+};
+
 // Writes bytes exactly as given (no line-end or code-page conversion).
 void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
 // Reads a file's bytes exactly.
@@ -30,5 +46,19 @@ std::filesystem::path TestDataDir();
 std::filesystem::path SharedDir();
 // The folder holding the built executables and the simulated analyser.
 std::filesystem::path BinDir();
+
+// What one run of the built vexo-cli gave; exitCode is -1 when it did not exit.
+struct CliRun {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+// Runs vexo-cli with `args` (shell words, quoted by the caller where needed), without
+// the wall-clock pause between its polls and for at most 60 s. `env` goes in front of
+// the command ("NAME=value ...").
+CliRun RunCli(const std::string& args, const std::string& env = "");
+// `text` as one shell word.
+std::string Quoted(const std::string& text);
 
 } // namespace vexo::test

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "SimAnalyser.h"
 #include "base/Messages.h"
 #include "device/ui/frmDevices.h"
 #include "shell/ui/TopLevel.h"
@@ -29,15 +30,12 @@ struct UiFixture {
         if (!m_dir.isValid())
             return false;
         const std::filesystem::path sim = dir() / "KORVHW.ini";
-        std::ofstream(sim) << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir="
-                           << (dir() / "sim").string()
-                           << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
-                              "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n";
+        test::WriteBytes(sim, test::SimConfigText(dir() / "sim", test::Model10()));
         qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(sim.string()));
         // Two report styles, so that loading the settings has nothing to complain about.
         std::ofstream(dir() / "RepStyles.ini")
             << "[Classic]\r\nCS_Description=Classic\r\n[Blue]\r\nCS_Description=Blue\r\n";
-        qputenv("VEXO_DEVICE_LIBRARY", VEXO_BIN_DIR "/libKORVHW.so");
+        qputenv("VEXO_DEVICE_LIBRARY", QByteArray::fromStdString(test::SimLibraryPath().string()));
         return true;
     }
 

@@ -58,6 +58,13 @@ int32_t Word(const void* buffer, int32_t size) {
 
 constexpr int32_t kNoLibrary = -13;
 
+// "GetParam 6 1024 = 0": the id, then the 32-bit value of a 4-byte buffer or its size.
+void LogParam(const char* op, int32_t id, const void* buffer, int32_t size, int32_t rc) {
+    Log(std::string(op) + " " + std::to_string(id) +
+        (size == 4 ? " " + std::to_string(Word(buffer, size)) : " size" + std::to_string(size)) +
+        " = " + std::to_string(rc));
+}
+
 } // namespace
 
 #define FORWARD(name, type, ...)                                                                   \
@@ -126,12 +133,7 @@ HANDLE_ONLY(SaveSettings)
 KORVHW_EXPORT int32_t KORVHW_CALL GetParam(int32_t handle, int32_t id, void* buffer, int32_t size) {
     static const auto fn = Resolve<GetParam_t>("GetParam");
     const int32_t rc = fn ? fn(handle, id, buffer, size) : kNoLibrary;
-    std::string line = "GetParam " + std::to_string(id);
-    if (size == 4)
-        line += " " + std::to_string(Word(buffer, size));
-    else
-        line += " size" + std::to_string(size);
-    Log(line + " = " + std::to_string(rc));
+    LogParam("GetParam", id, buffer, size, rc);
     return rc;
 }
 
@@ -139,12 +141,7 @@ KORVHW_EXPORT int32_t KORVHW_CALL SetParam(int32_t handle, int32_t id, const voi
                                            int32_t size) {
     static const auto fn = Resolve<SetParam_t>("SetParam");
     const int32_t rc = fn ? fn(handle, id, buffer, size) : kNoLibrary;
-    std::string line = "SetParam " + std::to_string(id);
-    if (size == 4)
-        line += " " + std::to_string(Word(buffer, size));
-    else
-        line += " size" + std::to_string(size);
-    Log(line + " = " + std::to_string(rc));
+    LogParam("SetParam", id, buffer, size, rc);
     return rc;
 }
 

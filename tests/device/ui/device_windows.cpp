@@ -244,11 +244,8 @@ private slots:
     void lostDeviceDuringAcquisition() {
         const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
         const std::filesystem::path faulty = dir() / "KORVHW-drops.ini";
-        std::ofstream(faulty)
-            << "[Simulator]\nClock=step\nStepSeconds=0.5\nSettingsDir=" << (dir() / "sim").string()
-            << "\n[Device1]\nName=KORV MCA-10\nSerial=10230417\nPath=KORV-10-001\n"
-               "Sources=Cs-137:3000\nHVOnAtPowerUp=1\nHVRampSeconds=0\n"
-               "DisconnectAfter=3\n";
+        test::WriteBytes(faulty,
+                         test::SimConfigText(dir() / "sim", test::Model10("DisconnectAfter=3")));
         qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(faulty.string()));
         TopLevel w(dir(), &m_messages);
         w.show();

@@ -1,7 +1,8 @@
 // Writing the report and the URLs the preview navigates to.
-#include <system_error>
+#include <algorithm>
 
 #include "base/FileBytes.h"
+#include "base/ReplaceFile.h"
 #include "base/TextFile.h"
 #include "base/VexoError.h"
 #include "report/ReportBuilder.h"
@@ -10,22 +11,16 @@ namespace vexo {
 
 ReportWriteResult WriteReportFile(const std::filesystem::path& file, std::string_view text) {
     ReportWriteResult result;
-    std::filesystem::path temp = file;
-    temp += ".tmp";
-    if (!WriteFileBytes(temp, Utf8ToWin1252(text), &result.error)) {
-        std::error_code ignored; // the write already failed; a leftover is all we can clear
-        std::filesystem::remove(temp, ignored);
+    const std::filesystem::path temp = TempFileFor(file);
+    // Pages are ASCII but for the user's own texts; only those need converting.
+    const bool ascii = std::all_of(text.begin(), text.end(),
+                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    const std::string converted = ascii ? std::string() : Utf8ToWin1252(text);
+    if (!WriteFileBytes(temp, ascii ? text : std::string_view(converted), &result.error)) {
+        DiscardTempFile(temp);
         return result;
     }
-    std::error_code ec;
-    std::filesystem::rename(temp, file, ec);
-    if (ec) {
-        result.error = ec.message();
-        std::error_code ignored;
-        std::filesystem::remove(temp, ignored);
-        return result;
-    }
-    result.ok = true;
+    result.ok = ReplaceFileWith(temp, file, &result.error);
     return result;
 }
 

@@ -41,6 +41,17 @@ std::vector<std::string> SplitArg(const std::string& text, char separator) {
     }
 }
 
+clsROI RoiFromArg(const std::string& text) {
+    std::vector<std::string> parts = SplitArg(text, ':');
+    if (parts.size() != 2)
+        throw UsageError{"--roi needs L:R, got '" + text + "'"};
+    clsROI roi;
+    roi.set_lROILCh(IntegerArg(parts[0], "--roi L"));
+    roi.set_lROIRCh(IntegerArg(parts[1], "--roi R"));
+    roi.set_vntID(text);
+    return roi;
+}
+
 nlohmann::ordered_json JsonSingle(float value) {
     if (!std::isfinite(value))
         return nullptr;

@@ -32,17 +32,6 @@ struct Options {
     bool json = false;
 };
 
-clsROI RoiFromArg(const std::string& text) {
-    std::vector<std::string> parts = SplitArg(text, ':');
-    if (parts.size() != 2)
-        throw UsageError{"--roi needs L:R, got '" + text + "'"};
-    clsROI roi;
-    roi.set_lROILCh(IntegerArg(parts[0], "--roi L"));
-    roi.set_lROIRCh(IntegerArg(parts[1], "--roi R"));
-    roi.set_vntID(text);
-    return roi;
-}
-
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
     ArgCursor cursor(args);

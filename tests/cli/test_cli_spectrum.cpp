@@ -3,8 +3,8 @@
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
 
+#include "CliRunner.h"
 #include "TestSupport.h"
 
 namespace vexo {
@@ -12,38 +12,8 @@ namespace {
 
 using test::TempDir;
 
-struct CliRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& arg) {
-    std::string q = "'";
-    for (char c : arg)
-        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return q + "'";
-}
-
-CliRun Cli(const std::vector<std::string>& args) {
-    TempDir dir;
-    std::string command = Quote((test::BinDir() / "vexo-cli").string());
-    for (const auto& a : args)
-        command += " " + Quote(a);
-    command += " 2>" + Quote((dir / "stderr").string());
-    CliRun run;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe)
-        return run;
-    char buf[4096];
-    std::size_t got;
-    while ((got = fread(buf, 1, sizeof buf, pipe)) > 0)
-        run.out.append(buf, got);
-    int raw = pclose(pipe);
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.err = test::ReadBytes(dir / "stderr");
-    return run;
-}
+using test::Cli;
+using test::CliRun;
 
 std::string SmallFull() {
     return (test::TestDataDir() / "spectrum" / "small_full.spe").string();

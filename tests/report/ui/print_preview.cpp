@@ -25,28 +25,18 @@ private:
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
-    // A full spectrum file with two ROIs.
+    // A full spectrum file with two ROIs and a device's settings.
     QString writeSpectrumWithRois() {
-        SpectrumDocument doc;
-        doc.lChannels = 1024;
-        for (int ch = 0; ch < 1024; ++ch)
-            doc.lCounts[ch] = 50 + (ch > 250 && ch < 280 ? 4000 - 12 * (ch - 265) * (ch - 265) : 0);
-        doc.sngLiveTime = 100.0f;
-        doc.sngRealTime = 101.0f;
-        doc.szSpectrumID = "Cs-137 report";
-        doc.szDeviceName = "MCA-10"; // the file keeps the name up to its first blank
-        doc.szDeviceSerial = "10230417";
-        doc.sngHighVoltage = 650.0f;
-        doc.lCoarseGain = 2;
-        doc.lFineGain = 2048;
-        doc.lRiseTime = 50;
-        doc.lFlatTop = 10;
-        doc.plot.rois = {{250, 280, 255, false, "Cs-137"}, {600, 640, 65280, false, "bkg"}};
-        const std::filesystem::path path = dir() / "rois.spe";
-        ScriptedMessages quiet;
-        if (!SaveAllSpectrum(doc, path, quiet))
-            qFatal("cannot write the test spectrum");
-        return QString::fromStdString(path.string());
+        return writeSpectrum("rois.spe", true, [](SpectrumDocument& doc) {
+            doc.szDeviceName = "MCA-10"; // the file keeps the name up to its first blank
+            doc.szDeviceSerial = "10230417";
+            doc.sngHighVoltage = 650.0f;
+            doc.lCoarseGain = 2;
+            doc.lFineGain = 2048;
+            doc.lRiseTime = 50;
+            doc.lFlatTop = 10;
+            doc.plot.rois = {{250, 280, 255, false, "Cs-137"}, {600, 640, 65280, false, "bkg"}};
+        });
     }
 
     // Triggers File > Print and waits for the report page; the preview, or null.

@@ -111,7 +111,8 @@ int Run(const std::vector<std::string>& args) {
     const SpectrumDocument& doc = *opened.doc;
     AnalyseRois(opened.rois, o.time.value_or(doc.sngLiveTime), doc);
 
-    const std::filesystem::path page = o.out.empty() ? ReportFilePath(o.appDir) : std::filesystem::path(o.out);
+    const std::filesystem::path page =
+        o.out.empty() ? ReportFilePath(o.appDir) : std::filesystem::path(o.out);
     const RenderModule render(ExecutableDir());
     render.picture(doc, settings, page.parent_path() / "spect.png");
     const ReportWriteResult written =

@@ -11,8 +11,10 @@ mkdir -p "$OUT"
 if [ ! -f "$BUILD_DIR/build.ninja" ]; then
   cmake -S . -B "$BUILD_DIR" -G Ninja -DVEXO_BUILD_GUI=ON
 fi
-cmake --build "$BUILD_DIR" --target uitest_main_window uitest_device_windows korvhw -j 2
-for test in uitest_main_window uitest_device_windows; do
+tests="uitest_main_window uitest_device_windows uitest_print_preview"
+# shellcheck disable=SC2086
+cmake --build "$BUILD_DIR" --target $tests korvhw -j 2
+for test in $tests; do
   if command -v xvfb-run >/dev/null 2>&1; then
     VEXO_SCREENSHOT_DIR="$OUT" QT_QPA_PLATFORM=xcb \
       xvfb-run -a -s "-screen 0 1280x800x24" "$BUILD_DIR/bin/$test"

@@ -5,11 +5,11 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config git python3
-  qt6-base-dev qt6-base-dev-tools libqcustomplot-dev libgl-dev
+  qt6-base-dev qt6-base-dev-tools libqcustomplot-dev libgl-dev qt6-webengine-dev
   libsqlite3-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
-  xvfb xauth gcovr
+  xvfb xauth gcovr poppler-utils
 )
 
 missing=()

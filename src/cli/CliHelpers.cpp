@@ -77,6 +77,15 @@ std::vector<std::string> SplitArg(const std::string& text, char separator, std::
     return parts;
 }
 
+clsROI RoiFromArg(const std::string& text) {
+    std::vector<std::string> parts = SplitArg(text, ':', 2, "--roi needs L:R, got '" + text + "'");
+    clsROI roi;
+    roi.set_lROILCh(IntegerArg(parts[0], "--roi L"));
+    roi.set_lROIRCh(IntegerArg(parts[1], "--roi R"));
+    roi.set_vntID(text);
+    return roi;
+}
+
 nlohmann::ordered_json JsonSingle(float value) {
     if (!std::isfinite(value))
         return nullptr;

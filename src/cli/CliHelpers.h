@@ -49,6 +49,9 @@ std::string ParseArgsAndFile(const std::vector<std::string>& args, const ArgTake
 double NumberArg(const std::string& text, const std::string& what);
 // The whole text as a 32-bit integer; UsageError naming `what` otherwise.
 int32_t IntegerArg(const std::string& text, const std::string& what);
+// An ROI given as "L:R" (first and last channel, inclusive), with that text as its
+// identifier; UsageError for anything else.
+clsROI RoiFromArg(const std::string& text);
 // Splits at every `separator` ("1,2,3" -> {"1","2","3"}; empty parts kept).
 std::vector<std::string> SplitArg(const std::string& text, char separator);
 // SplitArg into exactly `count` parts; UsageError `message` for any other number.

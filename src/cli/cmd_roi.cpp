@@ -31,15 +31,6 @@ struct Options {
     bool json = false;
 };
 
-clsROI RoiFromArg(const std::string& text) {
-    std::vector<std::string> parts = SplitArg(text, ':', 2, "--roi needs L:R, got '" + text + "'");
-    clsROI roi;
-    roi.set_lROILCh(IntegerArg(parts[0], "--roi L"));
-    roi.set_lROIRCh(IntegerArg(parts[1], "--roi R"));
-    roi.set_vntID(text);
-    return roi;
-}
-
 Options ParseOptions(const std::vector<std::string>& args) {
     Options o;
     o.file = ParseArgsAndFile(args, [&](const std::string& arg, ArgCursor& cursor) {

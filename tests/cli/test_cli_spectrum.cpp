@@ -8,16 +8,9 @@
 namespace vexo {
 namespace {
 
+using test::Cli;
 using test::CliRun;
 using test::TempDir;
-
-// vexo-cli with each argument quoted for the shell.
-CliRun Cli(const std::vector<std::string>& args) {
-    std::string line;
-    for (const auto& a : args)
-        line += " " + test::Quoted(a);
-    return test::RunCli(line);
-}
 
 std::string SmallFull() {
     return (test::TestDataDir() / "spectrum" / "small_full.spe").string();

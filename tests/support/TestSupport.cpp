@@ -86,4 +86,11 @@ CliRun RunCli(const std::string& args, const std::string& env) {
     return run;
 }
 
+CliRun Cli(const std::vector<std::string>& args) {
+    std::string line;
+    for (const std::string& a : args)
+        line += " " + Quoted(a);
+    return RunCli(line);
+}
+
 } // namespace vexo::test

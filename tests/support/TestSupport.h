@@ -3,6 +3,7 @@
 // environment and runs of the built command-line tool.
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace vexo::test {
 
@@ -60,5 +61,7 @@ struct CliRun {
 CliRun RunCli(const std::string& args, const std::string& env = "");
 // `text` as one shell word.
 std::string Quoted(const std::string& text);
+// RunCli with each argument quoted as one shell word.
+CliRun Cli(const std::vector<std::string>& args);
 
 } // namespace vexo::test

@@ -9,6 +9,7 @@
 #include <QWidget>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include "SimAnalyser.h"
 #include "base/Messages.h"
@@ -47,8 +48,10 @@ struct UiFixture {
         w.grab().save(QString::fromUtf8(out) + "/" + name + ".png");
     }
 
-    // A 1024-channel spectrum with one peak at channel 265, as a full or plain file.
-    QString writeSpectrum(const char* name, bool full = true) {
+    // A 1024-channel spectrum with one peak at channel 265, as a full or plain file;
+    // `change` may add to the record before it is written.
+    QString writeSpectrum(const char* name, bool full = true,
+                          const std::function<void(SpectrumDocument&)>& change = {}) {
         SpectrumDocument doc;
         doc.lChannels = 1024;
         for (int ch = 0; ch < 1024; ++ch)
@@ -56,6 +59,8 @@ struct UiFixture {
         doc.sngLiveTime = 100.0f;
         doc.sngRealTime = 101.0f;
         doc.szSpectrumID = "Cs-137 check";
+        if (change)
+            change(doc);
         const std::filesystem::path path = dir() / name;
         ScriptedMessages quiet;
         const bool ok = full ? SaveAllSpectrum(doc, path, quiet) : SaveSpectrum(doc, path).ok;

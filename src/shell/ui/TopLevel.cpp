@@ -39,10 +39,6 @@ TopLevel::TopLevel(const std::filesystem::path& appDir, Messages* messages)
     buildToolbar();
     buildStatusBar();
     buildCentral();
-    m_unavailable = {
-        {"mnuFilePrint", "The report and its print preview are not available in this version"},
-        {"tbPrint", "Print report (not available in this version)"},
-    };
     m_tmrRefresh.setInterval(kRefreshIntervalMs);
     m_tmrConnect.setInterval(kConnectIntervalMs);
     m_tmrBatchWait.setInterval(kBatchWaitIntervalMs);

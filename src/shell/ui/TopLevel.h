@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "plot/PlotModel.h"
+#include "plot/ui/SpectrumPicture.h"
 #include "roi/RoiCollection.h"
 #include "shell/AppSettings.h"
 #include "shell/MainWindowState.h"
@@ -32,6 +33,7 @@ class BatchController;
 class ConnectionController;
 class DeviceLibrary;
 class Messages;
+class PrintPreview;
 class QtMessages;
 class ScopeController;
 class SpectrumPlot;
@@ -85,6 +87,8 @@ public:
     void toggleScope();     // View > Scope: opens or closes the scope window
     void showBatch();       // MCA > Batch: the batch window, modal
     void showMcaSettings(); // MCA > Setup: the settings window, modeless
+    void mnuFilePrint();    // File > Print: the report in the print preview, modeless
+    PrintPreview* printPreview() const;
     Settings* settingsWindow() const;
     Scope* scopeWindow() const;
 
@@ -157,6 +161,7 @@ private:
     void onCursorMoved(int channel);
     calib* calibDialog(); // created, unshown, on first use
     void popupSpect(const QPoint& pos);
+    PictureView pictureView() const; // the main plot as it stands (TopLevelReport.cpp)
 
     std::filesystem::path m_appDir;
     std::unique_ptr<QtMessages> m_ownMessages;
@@ -181,6 +186,7 @@ private:
     QPointer<calib> m_calib;
     QPointer<Scope> m_scopeWindow;
     QPointer<Settings> m_settingsWindow;
+    QPointer<PrintPreview> m_preview;
     QTimer m_tmrRefresh;
     QTimer m_tmrConnect;
     QTimer m_tmrBatchWait;

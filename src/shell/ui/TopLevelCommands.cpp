@@ -190,7 +190,8 @@ void TopLevel::dispatchToolButton(const QString& key) {
         mnuFileSaveAll();
         break;
     case ToolButton::tbPrint:
-        break; // kept disabled: no report in this version
+        mnuFilePrint();
+        break;
     case ToolButton::tbStart:
         startAcquisition();
         break;

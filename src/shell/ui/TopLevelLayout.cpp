@@ -51,7 +51,7 @@ const ToolSpec kToolSpecs[] = {
     {ToolButton::tbDisconnect, QStyle::SP_BrowserStop, "", "Disconnect from the MCA"},
     {ToolButton::tbOpen, QStyle::SP_DialogOpenButton, "", "Open a spectrum file"},
     {ToolButton::tbSave, QStyle::SP_DialogSaveButton, "", "Save the spectrum with all its data"},
-    {ToolButton::tbPrint, kDrawn, "Prt", "Print report (not available in this version)"},
+    {ToolButton::tbPrint, kDrawn, "Prt", "Print report"},
     {ToolButton::tbStart, QStyle::SP_MediaPlay, "", "Start acquisition"},
     {ToolButton::tbStop, QStyle::SP_MediaStop, "", "Stop acquisition"},
     {ToolButton::tbClear, QStyle::SP_TrashIcon, "", "Clear the spectrum"},
@@ -85,9 +85,7 @@ void TopLevel::buildFileMenu() {
     addItem(file, "mnuFileSaveAll", "Save &All...", &TopLevel::mnuFileSaveAll,
             QKeySequence("Ctrl+Shift+S"));
     file->addSeparator();
-    QAction* print = addItem(file, "mnuFilePrint", "&Print...", nullptr, QKeySequence::Print);
-    print->setEnabled(false);
-    print->setToolTip("The report and its print preview are not available in this version");
+    addItem(file, "mnuFilePrint", "&Print...", &TopLevel::mnuFilePrint, QKeySequence::Print);
     file->addSeparator();
     addItem(file, "mnuFileConnect", "&Connect...", &TopLevel::connectDevice);
     addItem(file, "mnuFileDisconnect", "&Disconnect", &TopLevel::disconnectDevice);

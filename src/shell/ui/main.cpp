@@ -6,9 +6,11 @@
 #include <filesystem>
 
 #include "base/AppDir.h"
+#include "report/ui/WebEngineSetup.h"
 #include "shell/ui/TopLevel.h"
 
 int main(int argc, char** argv) {
+    vexo::PrepareWebEngine(); // before the application object: the report preview needs it
     QApplication app(argc, argv);
     QApplication::setApplicationName("Vexo");
     QApplication::setApplicationVersion(VEXO_VERSION);

@@ -63,7 +63,7 @@ private slots:
         QVERIFY(w.panelText(StatusPanel::CountRate).endsWith(" cps"));
         QCOMPARE(w.spectrumIdBox()->text(), QString("Cs-137 check"));
         QVERIFY(enabled(w, "tbSave"));
-        QVERIFY(enabled(w, "tbPrint") == false); // no report in this version
+        QVERIFY(enabled(w, "tbPrint"));
         QVERIFY(!enabled(w, "tbStop"));
         QVERIFY(!enabled(w, "tbStart"));
         QCOMPARE(w.document().lChannels, 1024);

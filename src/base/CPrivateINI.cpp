@@ -146,8 +146,13 @@ int32_t CPrivateINI::GetLongValue(const std::string& SectionName, const std::str
 std::vector<std::pair<std::string, std::string>>
 CPrivateINI::GetPairs(const std::string& SectionName) {
     RequireFileName();
+    return SplitEntries(GetEntries(SectionName));
+}
+
+std::vector<std::pair<std::string, std::string>>
+SplitEntries(const std::vector<std::string>& entries) {
     std::vector<std::pair<std::string, std::string>> pairs;
-    for (const auto& entry : GetEntries(SectionName)) {
+    for (const auto& entry : entries) {
         std::size_t eq = entry.find('=');
         if (eq == std::string::npos)
             pairs.emplace_back(entry, std::string{});

@@ -75,4 +75,9 @@ private:
     std::string m_iniFile;
 };
 
+// Section entries ("key=value" texts) split at the first "=" into (key, value); an entry
+// without "=" gives (entry, ""). Shared by GetPairs and the batched store.
+std::vector<std::pair<std::string, std::string>>
+SplitEntries(const std::vector<std::string>& entries);
+
 } // namespace vexo

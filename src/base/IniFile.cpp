@@ -359,3 +359,29 @@ int32_t IniFile::ParseProfileInt(std::string_view text) {
 }
 
 } // namespace vexo
+
+namespace vexo {
+
+IniLineView ClassifyIniLine(std::string_view line) {
+    LineInfo info = Classify(line);
+    switch (info.kind) {
+    case LineKind::Comment:
+        return {IniLineKind::Comment, {}, {}};
+    case LineKind::Section:
+        return {IniLineKind::Section, info.name, {}};
+    case LineKind::Entry:
+        return {IniLineKind::Entry, info.name, info.value};
+    case LineKind::Blank:
+        break;
+    }
+    return {IniLineKind::Blank, {}, {}};
+}
+
+std::string IniNameKey(std::string_view name) {
+    std::string key(Trim(name));
+    for (char& c : key)
+        c = static_cast<char>(FoldCase(static_cast<unsigned char>(c)));
+    return key;
+}
+
+} // namespace vexo

@@ -112,3 +112,21 @@ private:
 };
 
 } // namespace vexo
+
+namespace vexo {
+
+// How the engine sees one line, for writers that keep their own index of a file's lines
+// (IniBatch): its kind, for a section header or an entry its trimmed name, and for an
+// entry with '=' its trimmed value.
+enum class IniLineKind { Blank, Comment, Section, Entry };
+struct IniLineView {
+    IniLineKind kind;
+    std::string_view name;
+    std::optional<std::string_view> value;
+};
+IniLineView ClassifyIniLine(std::string_view line);
+// A name as the engine compares it (blanks around it removed, letters folded to one
+// case), for use as a lookup key: two names match exactly when their keys are equal.
+std::string IniNameKey(std::string_view name);
+
+} // namespace vexo

@@ -2,9 +2,10 @@
 
 #include <charconv>
 #include <cmath>
-#include <fstream>
 
 #include "base/CPrivateINI.h"
+#include "base/CPrivateINIBatch.h"
+#include "base/FieldSearch.h"
 #include "base/FileBytes.h"
 #include "base/IniFile.h"
 #include "base/NumberText.h"
@@ -15,56 +16,19 @@
 namespace vexo {
 namespace {
 
-constexpr std::string_view kIdentification = "fileid=vexo nuclide library";
-
 char LowerAscii(char c) {
     return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// Collects one field at a time (lower-cased) and tells whether any field held the
-// identification. A very long field is cut from the front, keeping enough of its tail
-// that a match across the cut is still seen.
-class FieldMatcher {
-public:
-    void feed(const char* data, std::size_t size) {
-        for (std::size_t i = 0; i < size && !m_found; ++i) {
-            char c = data[i];
-            if (c == ',' || c == '\r' || c == '\n') {
-                endField();
-                continue;
-            }
-            m_field.push_back(LowerAscii(c));
-            if (m_field.size() >= kMaxField) {
-                m_found = m_field.find(kIdentification) != std::string::npos;
-                m_field.erase(0, m_field.size() - (kIdentification.size() - 1));
-            }
-        }
-    }
-    bool finish() {
-        endField();
-        return m_found;
-    }
-
-private:
-    static constexpr std::size_t kMaxField = 1 << 16;
-    void endField() {
-        if (!m_found && m_field.find(kIdentification) != std::string::npos)
-            m_found = true;
-        m_field.clear();
-    }
-    std::string m_field;
-    bool m_found = false;
-};
-
-// The keys of one line section, read with one pass of the INI store instead of one pass
-// per key: a library of a thousand lines is read in about a second rather than ten.
+// The keys of one line section, from one read of the section instead of one per key.
 // value() gives what CPrivateINI::GetValue gives: the first key of that name (letter
 // case ignored), one pair of enclosing quotes removed, at most 999 characters, and the
 // default for a missing key. A key line without "=" reads as empty here where GetValue
 // gives the default; every key of a library line defaults to empty, so the two agree.
 class SectionValues {
 public:
-    SectionValues(CPrivateINI& ini, const std::string& section) : m_pairs(ini.GetPairs(section)) {}
+    SectionValues(CPrivateINIBatch& ini, const std::string& section)
+        : m_pairs(ini.GetPairs(section)) {}
 
     std::string value(std::string_view key, const std::string& defaultValue) const {
         for (const auto& [name, value] : m_pairs)
@@ -107,7 +71,7 @@ private:
 };
 
 // Reads one line section. Throws OverflowError for a number beyond its type's range.
-clsNuclide ReadLine(CPrivateINI& ini, const std::string& section,
+clsNuclide ReadLine(CPrivateINIBatch& ini, const std::string& section,
                     std::vector<std::string>& warnings) {
     SectionValues keys(ini, section);
     clsNuclide line;
@@ -137,16 +101,7 @@ clsNuclide ReadLine(CPrivateINI& ini, const std::string& section,
 } // namespace
 
 bool IsNuclideLibrary(const std::filesystem::path& path) {
-    std::ifstream in = OpenForReading(path);
-    if (!in)
-        return false;
-    FieldMatcher matcher;
-    char buffer[8192];
-    while (in) {
-        in.read(buffer, sizeof buffer);
-        matcher.feed(buffer, static_cast<std::size_t>(in.gcount()));
-    }
-    return matcher.finish();
+    return FileHasFieldContaining(path, "FileId=Vexo Nuclide Library");
 }
 
 std::string LibraryNumberText(float value) {
@@ -175,10 +130,12 @@ NuclideLibraryRead ReadNuclideLibrary(const std::filesystem::path& path) {
         result.error = "cannot open " + path.string();
         return result;
     }
-    CPrivateINI ini;
-    ini.setINIFile(path.string());
+    CPrivateINI named;
+    named.setINIFile(path.string());
     std::string section;
     try {
+        // The file is read once for the whole library, not once per section.
+        CPrivateINIBatch ini(named);
         for (const std::string& name : ini.GetSections()) {
             section = name;
             // Only the exact name is the header; "info" is an ordinary line section.
@@ -205,31 +162,34 @@ NuclideLibraryWrite WriteNuclideLibrary(const std::filesystem::path& path,
     CPrivateINI ini;
     ini.setINIFile(path.string());
     try {
-        ini.PutValue(kLibraryInfoSection, kLibraryIdKey, kLibraryIdValue);
+        // One read and one write of the file for the whole library, with the bytes that a
+        // PutValue per key would leave.
+        CPrivateINIBatch batch(ini);
+        batch.PutValue(kLibraryInfoSection, kLibraryIdKey, kLibraryIdValue);
         for (const clsNuclide& line : lines) {
             const std::string s = LibrarySectionName(line);
-            ini.PutValue(s, "NucName", line.szElemName);
-            ini.PutLongValue(s, "AtNo", line.nAtNum);
+            batch.PutValue(s, "NucName", line.szElemName);
+            batch.PutLongValue(s, "AtNo", line.nAtNum);
             // Placeholders that older readers expect; nothing reads them.
-            ini.PutValue(s, "NucTypes", "TYPE");
-            ini.PutValue(s, "NucDecayMode", "DECAYMODE");
-            ini.PutValue(s, "NucDecayBranch", "0.0");
-            ini.PutValue(s, "HL", LibraryNumberText(line.sHL()));
-            ini.PutValue(s, "DHL", LibraryNumberText(line.sDHL));
-            ini.PutValue(s, "HLUnits", HalfLifeUnitText(line.eUnits()));
-            ini.PutValue(s, "En", LibraryNumberText(line.sEnergy));
-            ini.PutValue(s, "DEn", LibraryNumberText(line.sDEnergy));
-            ini.PutValue(s, "Int", LibraryNumberText(line.sIntensity));
-            ini.PutValue(s, "DInt", LibraryNumberText(line.sDIntensity));
-            ini.PutValue(s, "RadID", line.szDecayRadEx());
+            batch.PutValue(s, "NucTypes", "TYPE");
+            batch.PutValue(s, "NucDecayMode", "DECAYMODE");
+            batch.PutValue(s, "NucDecayBranch", "0.0");
+            batch.PutValue(s, "HL", LibraryNumberText(line.sHL()));
+            batch.PutValue(s, "DHL", LibraryNumberText(line.sDHL));
+            batch.PutValue(s, "HLUnits", HalfLifeUnitText(line.eUnits()));
+            batch.PutValue(s, "En", LibraryNumberText(line.sEnergy));
+            batch.PutValue(s, "DEn", LibraryNumberText(line.sDEnergy));
+            batch.PutValue(s, "Int", LibraryNumberText(line.sIntensity));
+            batch.PutValue(s, "DInt", LibraryNumberText(line.sDIntensity));
+            batch.PutValue(s, "RadID", line.szDecayRadEx());
+        }
+        IniBatchCommit committed = batch.Commit();
+        if (!committed.ok) {
+            result.error = committed.error;
+            return result;
         }
     } catch (const NumberedError& e) {
         result.error = e.what();
-        return result;
-    }
-    // The INI writer reports nothing, so check that the file now carries its identification.
-    if (!IsNuclideLibrary(path)) {
-        result.error = "cannot write " + path.string();
         return result;
     }
     result.ok = true;

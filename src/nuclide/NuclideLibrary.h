@@ -56,8 +56,9 @@ struct NuclideLibraryWrite {
 // DHL, HLUnits, En, DEn, Int, DInt, RadID). Sections already in the file are updated in
 // place and others are kept, so a caller that wants exactly these lines removes the file
 // first. Two lines with the same section name share it: the later one wins.
-// ok is false when the file cannot be identified as a library afterwards (it could not
-// be written).
+// The file is read once and written once (CPrivateINIBatch), with the bytes a PutValue
+// per key would leave. ok is false, with `error` set, when the file cannot be read or
+// written.
 NuclideLibraryWrite WriteNuclideLibrary(const std::filesystem::path& path,
                                         const std::vector<clsNuclide>& lines);
 

@@ -2,6 +2,7 @@
 
 #include "base/AppDir.h"
 #include "base/CPrivateINI.h"
+#include "base/CPrivateINIBatch.h"
 #include "base/Rounding.h"
 #include "base/TextFile.h"
 
@@ -133,13 +134,14 @@ void ReadValue(CPrivateINI& ini, const char* section, const char* key, std::stri
 }
 
 // Flags as -1 or 0, integers in decimal, texts as they stand (an empty one as a blank).
-void WriteValue(CPrivateINI& ini, const char* section, const char* key, bool value) {
+void WriteValue(CPrivateINIBatch& ini, const char* section, const char* key, bool value) {
     ini.PutLongValue(section, key, value ? kTrue : kFalse);
 }
-void WriteValue(CPrivateINI& ini, const char* section, const char* key, int32_t value) {
+void WriteValue(CPrivateINIBatch& ini, const char* section, const char* key, int32_t value) {
     ini.PutLongValue(section, key, value);
 }
-void WriteValue(CPrivateINI& ini, const char* section, const char* key, const std::string& value) {
+void WriteValue(CPrivateINIBatch& ini, const char* section, const char* key,
+                const std::string& value) {
     ini.PutValue(section, key, value);
 }
 
@@ -162,8 +164,8 @@ void ReadKeys(CPrivateINI& ini, std::span<const SettingsKey<Field>> keys, Record
 // Writes, in table order, the keys a batch-mode save writes (`batchOnly`) or those a
 // full save writes.
 template <class Field, class Record>
-void WriteKeys(CPrivateINI& ini, std::span<const SettingsKey<Field>> keys, const Record& record,
-               bool batchOnly) {
+void WriteKeys(CPrivateINIBatch& ini, std::span<const SettingsKey<Field>> keys,
+               const Record& record, bool batchOnly) {
     for (const SettingsKey<Field>& k : keys) {
         if ((k.use == KeyUse::BatchOnly) != batchOnly)
             continue;
@@ -215,10 +217,12 @@ bool SaveSettings(const AppSettings& settings, bool batchOnly,
     std::error_code ec;
     if (!std::filesystem::exists(path, ec) && !TextFileWriter{}.save(path))
         return false;
-    CPrivateINI ini = SettingsStore(path);
+    // One read and one write of the file for all keys, with the bytes that a PutValue per
+    // key would leave.
+    CPrivateINIBatch ini(SettingsStore(path));
     WriteKeys<SettingsField>(ini, kKeysBeforeStyle, settings, batchOnly);
     WriteKeys<SettingsField>(ini, kKeysAfterStyle, settings, batchOnly);
-    return true;
+    return ini.Commit().ok;
 }
 
 void LoadFormLocation(FormLocation& location, const std::filesystem::path& appDir,
@@ -231,8 +235,10 @@ void LoadFormLocation(FormLocation& location, const std::filesystem::path& appDi
 }
 
 void SaveFormLocation(const FormLocation& location, const std::filesystem::path& appDir) {
-    CPrivateINI ini = SettingsStore(SettingsFilePath(appDir));
+    CPrivateINIBatch ini(SettingsStore(SettingsFilePath(appDir)));
     WriteKeys<FormField>(ini, kFormKeys, location, false);
+    // The placement is saved on the way out; a file that cannot be written loses only it.
+    ini.Commit();
 }
 
 bool OfferShippedNuclideLibrary(AppSettings& settings, const std::filesystem::path& programDir) {

@@ -111,8 +111,9 @@ bool OfferShippedNuclideLibrary(AppSettings& settings, const std::filesystem::pa
 // Writes the record, creating "Vexo.ini" first when it is missing. With `batchOnly` only
 // BATCH "BatchDataDir" is written; otherwise every key of PROGRAM, DISPLAY, REPORT and
 // PROCESS (plus "SpctLabelColor" and "SpctRefColor", which carry the scale and graph
-// colours and which nothing reads) and not "BatchDataDir". Returns false only when the
-// missing file cannot be created; later write failures go unnoticed, as the store's do.
+// colours and which nothing reads) and not "BatchDataDir". The keys are written in one
+// pass (the file is read once and written once); returns false when the missing file
+// cannot be created or the file cannot be read or written.
 bool SaveSettings(const AppSettings& settings, bool batchOnly, const std::filesystem::path& appDir);
 
 // Reads section FORM. With nothing remembered, the window is 1000 x 600 pixels, centred

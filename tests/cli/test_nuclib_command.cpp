@@ -1,4 +1,5 @@
-// vexo-cli nuclib: exit codes and the library it writes from real decay data.
+// vexo-cli nuclib and nucdb: exit codes, the library nuclib writes from real decay data,
+// and database searches.
 #include <gtest/gtest.h>
 
 #include "TestSupport.h"
@@ -59,6 +60,29 @@ TEST(NuclibCommand, WritesTheSelectedLines) {
               std::vector<std::string>{"Cs-13755:661.66:G"});
     EXPECT_EQ(Written("--min-intensity 3 --with-xrays Cs-137"),
               (std::vector<std::string>{"Cs-13755:32.19:X KA1", "Cs-13755:661.66:G"}));
+}
+
+TEST(NucdbCommand, SearchesTheShippedDatabase) {
+    const std::string db = "nucdb --db " + Quoted((BinDir() / "NuclWalletCards.sqlite").string());
+    CliRun run = RunCli(db + " isotopes Co");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("Co-60\n"), std::string::npos);
+    run = RunCli(db + " --json near 1332.5 --tolerance 0.05 --min-intensity 50");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("\"nuclide\": \"Co-60\""), std::string::npos);
+    EXPECT_NE(run.out.find("\"energy_keV\": 1332.492"), std::string::npos);
+    run = RunCli(db + " lines Co-60 --min-intensity 99.9");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.out.find("1173"), std::string::npos);
+}
+
+TEST(NucdbCommand, BadUseAndMissingDatabase) {
+    for (const char* args : {"nucdb", "nucdb lines", "nucdb near abc", "nucdb frobnicate"})
+        EXPECT_EQ(RunCli(args).exitCode, 2) << args;
+    TempDir dir;
+    const CliRun run = RunCli("nucdb --db " + Quoted((dir / "none.sqlite").string()) + " elements");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find("none.sqlite"), std::string::npos) << run.err;
 }
 
 } // namespace

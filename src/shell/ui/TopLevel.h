@@ -155,6 +155,8 @@ private:
     void mnuFileSave();
     void mnuFileSaveAll();
     void mnuToolsProcess();
+    void mnuToolsNucEditor();     // Tools > Nuclide editor (TopLevelNuclide.cpp)
+    void mnuToolsNucCategories(); // Tools > Nuclide categories
     void mnuROIClearAll();
     void mnuROISave();
     void mnuHelpAbout();

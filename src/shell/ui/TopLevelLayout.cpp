@@ -148,6 +148,8 @@ void TopLevel::buildDeviceMenus() {
 
     QMenu* tools = menuBar()->addMenu("&Tools");
     addItem(tools, "mnuToolsProcess", "&Process", &TopLevel::mnuToolsProcess);
+    addItem(tools, "mnuToolsNucEditor", "&Nuclide editor...", &TopLevel::mnuToolsNucEditor);
+    addItem(tools, "mnuToolsNucCat", "Nuclide &categories...", &TopLevel::mnuToolsNucCategories);
 
     QMenu* help = menuBar()->addMenu("&Help");
     addItem(help, "mnuHelpAbout", "&About Vexo...", &TopLevel::mnuHelpAbout);

@@ -61,8 +61,9 @@ IniBatchCommit CPrivateINIBatch::Commit() {
         result.error = "cannot read " + m_path;
         return result;
     }
-    if (m_batch.changed() && !m_batch.file().save(m_path)) {
-        result.error = "cannot write " + m_path;
+    std::string why;
+    if (m_batch.changed() && !m_batch.file().save(m_path, &why)) {
+        result.error = "cannot write " + m_path + ": " + why;
         return result;
     }
     result.ok = true;

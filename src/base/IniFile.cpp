@@ -1,10 +1,10 @@
 #include "base/IniFile.h"
 
+#include "base/FileBytes.h"
 #include "base/TextFile.h"
 #include "base/TextTrim.h"
 
 #include <algorithm>
-#include <fstream>
 #include <system_error>
 
 namespace vexo {
@@ -104,27 +104,6 @@ std::string FitList(const std::vector<std::string>& items, std::size_t size) {
     return list;
 }
 
-// Overwrites the file's bytes in place and then cuts it to length. Truncating to zero
-// first (as a plain rewrite does) makes ext4 force the data to disk at close, its guard
-// for files replaced by truncation, and that cost milliseconds for each of the forty-odd
-// key writes of one settings save.
-bool WriteInPlace(const std::filesystem::path& path, const std::string& bytes) {
-    std::fstream out(path, std::ios::in | std::ios::out | std::ios::binary);
-    if (!out.is_open()) {
-        std::ofstream created(path, std::ios::binary); // the file did not exist
-        created.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        created.close();
-        return !created.fail();
-    }
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (out.fail())
-        return false;
-    std::error_code ec;
-    std::filesystem::resize_file(path, bytes.size(), ec);
-    return !ec;
-}
-
 } // namespace
 
 IniFile IniFile::FromText(std::string_view ansiText) {
@@ -142,13 +121,13 @@ std::optional<IniFile> IniFile::Load(const std::filesystem::path& path) {
     return FromText(Utf8ToWin1252(*text));
 }
 
-bool IniFile::save(const std::filesystem::path& path) const {
+bool IniFile::save(const std::filesystem::path& path, std::string* error) const {
     std::string bytes; // the lines are Windows-1252 already
     for (const auto& line : m_lines) {
         bytes.append(line);
         bytes.append("\r\n");
     }
-    return WriteInPlace(path, bytes);
+    return WriteFileBytes(path, bytes, error);
 }
 
 std::optional<IniFile::SectionSpan> IniFile::findSection(std::string_view name) const {

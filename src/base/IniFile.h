@@ -47,9 +47,10 @@ public:
     // Reads the file from disk (Windows-1252 bytes kept as they are). A missing file is an
     // empty one; std::nullopt when the file exists but cannot be read.
     static std::optional<IniFile> Load(const std::filesystem::path& path);
-    // Writes every line followed by CR LF, creating the file or overwriting it in place
-    // (then cutting it to length). False when it cannot be written.
-    bool save(const std::filesystem::path& path) const;
+    // Writes every line followed by CR LF through WriteFileBytes (a failed write leaves
+    // the old file as it was). False, with the system's reason in `error`, when it
+    // cannot be written.
+    bool save(const std::filesystem::path& path, std::string* error = nullptr) const;
 
     const std::vector<std::string>& lines() const { return m_lines; }
 

@@ -30,9 +30,10 @@ constexpr std::size_t kMaxSpectrumFileBytes = std::size_t{8} << 20;
 // would run past the counts array).
 std::string FullSpectrumBytes(const SpectrumDocument& doc);
 
-// Writes (creates or overwrites) the full spectrum file. False after any error, with a
-// description in `error` (for example "Permission denied"); a partly written file may
-// remain. Does not show any message.
+// Writes (creates or replaces) the full spectrum file through WriteFileBytes, flushed to
+// disk, so neither a failed write nor a crash leaves a torn file under its name. False after any
+// error, with a description in `error` (for example "No space left on device"). Does not show any
+// message.
 bool bSaveFullSpectrum(const SpectrumDocument& doc, const std::filesystem::path& path,
                        std::string* error = nullptr);
 

@@ -12,7 +12,7 @@ namespace {
 
 // The reader's buffer starts at 1000 characters and grows by 2000 while a list does not
 // fit. A single value never triggers the growth, so it reads as at most 999 characters.
-constexpr std::size_t kFirstBufferSize = 1000;
+constexpr std::size_t kFirstBufferSize = kProfileBufferSize;
 constexpr std::size_t kBufferGrowth = 2000;
 
 std::string BlankIfEmpty(const std::string& s) {
@@ -137,10 +137,7 @@ int32_t CPrivateINI::GetLongValue(const std::string& SectionName, const std::str
     RequireFileName();
     std::string text =
         ReadProfileString(m_iniFile, BlankIfEmpty(SectionName), BlankIfEmpty(KeyName), "");
-    // The integer reader gives the default for an empty value as for a missing key.
-    if (text.empty())
-        return DefaultValue;
-    return IniFile::ParseProfileInt(text);
+    return IniFile::LongValue(text, DefaultValue);
 }
 
 std::vector<std::pair<std::string, std::string>>

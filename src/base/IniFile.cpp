@@ -111,14 +111,16 @@ IniFile IniFile::FromText(std::string_view ansiText) {
 }
 
 std::optional<IniFile> IniFile::Load(const std::filesystem::path& path) {
-    auto text = ReadTextFile(path);
-    if (!text) {
+    FileBytes file = ReadFileBytes(path, std::size_t{256} << 20);
+    if (!file.ok) {
         std::error_code ec;
         if (!std::filesystem::exists(path, ec))
             return IniFile{};
         return std::nullopt;
     }
-    return FromText(Utf8ToWin1252(*text));
+    if (file.truncated)
+        return std::nullopt;
+    return FromText(file.bytes);
 }
 
 bool IniFile::save(const std::filesystem::path& path, std::string* error) const {
@@ -161,10 +163,15 @@ std::optional<std::size_t> IniFile::findKey(const SectionSpan& span, std::string
     return std::nullopt;
 }
 
+std::string IniFile::KeyValue(std::optional<std::string_view> found, std::string_view defaultValue,
+                              std::size_t bufferSize) {
+    return FitValue(found ? StripQuotes(*found) : StripQuotes(TrimDefault(defaultValue)),
+                    bufferSize);
+}
+
 std::string IniFile::readString(std::optional<std::string_view> section,
                                 std::optional<std::string_view> key, std::string_view defaultValue,
                                 std::size_t bufferSize) const {
-    std::string_view def = StripQuotes(TrimDefault(defaultValue));
     if (!section) {
         std::vector<std::string> names;
         for (const auto& line : m_lines) {
@@ -185,16 +192,14 @@ std::string IniFile::readString(std::optional<std::string_view> section,
                     keys.emplace_back(info.name);
             }
         if (keys.empty())
-            return FitValue(def, bufferSize);
+            return KeyValue(std::nullopt, defaultValue, bufferSize);
         return FitList(keys, bufferSize);
     }
-    if (span)
-        if (auto at = findKey(*span, *key)) {
-            LineInfo info = Classify(m_lines[*at]);
-            if (info.value)
-                return FitValue(StripQuotes(*info.value), bufferSize);
-        }
-    return FitValue(def, bufferSize);
+    std::optional<std::string_view> found;
+    std::optional<std::size_t> at;
+    if (span && (at = findKey(*span, *key)))
+        found = Classify(m_lines[*at]).value;
+    return KeyValue(found, defaultValue, bufferSize);
 }
 
 std::string IniFile::readSection(std::string_view section, std::size_t bufferSize) const {

@@ -29,10 +29,11 @@ constexpr std::string_view kSaveAllSpectrumFilter =
     "All files (*.*)|*.*";
 
 struct OpenResult {
-    bool full = false;     // read as a full spectrum file
-    bool opened = false;   // the file could be read at all (full or plain)
-    std::string fullError; // why the full reader declined (a plain file is normal)
-    std::string error;     // why the file could not be read, or why plain reading stopped
+    bool full = false;       // read as a full spectrum file
+    bool fullHeader = false; // it starts as one ("$SPEC_ID:"), read as one or not
+    bool opened = false;     // the file could be read at all (full or plain)
+    std::string fullError;   // why the full reader declined (a plain file is normal)
+    std::string error;       // why the file could not be read, or why plain reading stopped
 };
 
 // Open: starts a new empty ROI collection and plot ROI list, resets the calibration to

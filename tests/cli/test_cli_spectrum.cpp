@@ -53,6 +53,17 @@ TEST(CliInfo, PlainFileAndTextOutput) {
     EXPECT_NE(text.out.find("21.6 cps"), std::string::npos);
 }
 
+// A file that starts as a full spectrum file but breaks is reported with the full
+// reader's reason, not as plain counts.
+TEST(CliInfo, BrokenFullFileSaysWhatFailed) {
+    TempDir dir;
+    test::WriteBytes(dir / "o.spe", "$SPEC_ID:\r\nx\r\n$DATA:\r\n0 1\r\n5 99999999999\r\n");
+    CliRun run = Cli({"info", (dir / "o.spe").string()});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find("as a full spectrum file failed: Overflow in $DATA:"), std::string::npos)
+        << run.err;
+}
+
 TEST(CliConvert, FullRoundTripAndPlain) {
     TempDir dir;
     std::string full = (dir / "copy.spe").string();

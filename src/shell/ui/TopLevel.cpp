@@ -20,6 +20,7 @@
 #include "device/ScopeController.h"
 #include "device/ui/Settings.h"
 #include "plot/ui/SpectrumPlot.h"
+#include "shell/MeasurementCheckpoint.h"
 #include "shell/ui/PlotAppearance.h"
 #include "shell/ui/QtMessages.h"
 #include "spectrum/CountRate.h"
@@ -74,11 +75,15 @@ void TopLevel::startUp() {
         p->setYScale(static_cast<YScale>(std::clamp(m_settings.SpctScaleMode, 0, 2)));
         p->setGraphType(m_settings.SpctGraphType);
     }
+    m_checkpoint = std::make_unique<MeasurementCheckpoint>(m_appDir, *m_messages);
     createControllers();
     RefreshMainWindow(RefreshCode::All);
     RefreshMainWindow(RefreshCode::OptionsBatch);
     DisplaySpectrum();
     UpdateInfo();
+    // A measurement that a crash kept from being saved.
+    if (m_checkpoint->offerRecovery(m_doc, m_rois))
+        showOpenedSpectrum();
     if (m_settings.OpenLastDetectorUsed)
         startAutoConnect();
 }

@@ -13,6 +13,7 @@
 #include "device/ExternalProcessing.h"
 #include "plot/ui/SpectrumPlot.h"
 #include "roi/RoiFile.h"
+#include "shell/MeasurementCheckpoint.h"
 #include "shell/ui/PlotAppearance.h"
 #include "shell/ui/TopLevel.h"
 #include "shell/ui/frmPref.h"
@@ -54,8 +55,13 @@ bool TopLevel::openSpectrum(const QString& path) {
         DisplaySpectrum(); // the ROIs and calibration were reset before reading
         return false;
     }
-    setWindowTitle("Vexo - " + QString::fromStdString(m_doc.szFileName));
     addRecentFile(path);
+    showOpenedSpectrum();
+    return true;
+}
+
+void TopLevel::showOpenedSpectrum() {
+    setWindowTitle("Vexo - " + QString::fromStdString(m_doc.szFileName));
     m_zoom = {false, 0, m_doc.lChannels - 1};
     for (RefreshCode code : kOpenRefreshCodes)
         RefreshMainWindow(code);
@@ -63,7 +69,6 @@ bool TopLevel::openSpectrum(const QString& path) {
         Calibrate(); // the axis follows the new calibration
     DisplaySpectrum();
     UpdateInfo();
-    return true;
 }
 
 bool TopLevel::saveSpectrum(const QString& path) {
@@ -76,6 +81,7 @@ bool TopLevel::saveSpectrum(const QString& path) {
 bool TopLevel::saveAllSpectrum(const QString& path) {
     if (!SaveAllSpectrum(m_doc, path.toStdString(), *m_messages))
         return false;
+    m_checkpoint->saved(m_doc);
     addRecentFile(path);
     return true;
 }

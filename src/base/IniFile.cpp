@@ -229,15 +229,36 @@ bool IniFile::writeString(std::string_view section, std::optional<std::string_vi
 }
 
 bool IniFile::removeSections(std::string_view section) {
+    section = Trim(section);
+    // One pass, so that a file of thousands of sections of that name costs no more than
+    // reading it.
+    std::vector<std::string> kept;
+    kept.reserve(m_lines.size());
     bool changed = false;
-    while (auto span = findSection(section)) {
-        std::size_t last = span->lastEntry + 1;
-        while (last < span->end && Classify(m_lines[last]).kind == LineKind::Blank)
-            ++last;
-        m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(span->header),
-                      m_lines.begin() + static_cast<std::ptrdiff_t>(last));
+    for (std::size_t i = 0; i < m_lines.size();) {
+        LineInfo info = Classify(m_lines[i]);
+        if (info.kind != LineKind::Section || !NamesEqual(info.name, section)) {
+            kept.push_back(std::move(m_lines[i++]));
+            continue;
+        }
+        // The header, every line up to the last entry and the blank lines after it go;
+        // comments after them (introducing the next section) stay.
+        std::size_t end = i + 1, cut = i + 1;
+        for (; end < m_lines.size(); ++end) {
+            LineKind kind = Classify(m_lines[end]).kind;
+            if (kind == LineKind::Section)
+                break;
+            if (kind == LineKind::Entry)
+                cut = end + 1;
+        }
+        while (cut < end && Classify(m_lines[cut]).kind == LineKind::Blank)
+            ++cut;
+        for (std::size_t k = cut; k < end; ++k)
+            kept.push_back(std::move(m_lines[k]));
+        i = end;
         changed = true;
     }
+    m_lines = std::move(kept);
     return changed;
 }
 

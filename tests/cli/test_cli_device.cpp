@@ -166,7 +166,7 @@ TEST(CliBatch, PrintsEachSavedFile) {
 // shows under a measurement's name reads back whole (a write in progress is hidden).
 TEST(CliBatch, KilledAnywhereLeavesOnlyWholeFiles) {
     SimConfig sim;
-    for (const char* after : {"0.2", "0.3", "0.4", "0.5", "0.6"}) {
+    for (const char* after : {"0.15", "0.2", "0.3", "0.35", "0.4", "0.5", "0.6", "0.7"}) {
         const fs::path folder = sim.dir() / (std::string("k") + after);
         fs::create_directories(folder);
         RunCli("batch " + kDevice + " --preset live:1 --until-stop --set lChannels=16384 --dir " +

@@ -239,6 +239,79 @@ private slots:
         w.close();
     }
 
+    // Every parameter the device holds (ids 5-51 without the live values and the
+    // write-only words), as raw bytes with the read status.
+    static std::vector<QByteArray> deviceParameters(TopLevel& w) {
+        std::vector<QByteArray> values;
+        for (int id = 5; id <= 51; ++id) {
+            if (id == 23 || id == 24 || id == 27 || id == 35)
+                continue;
+            char buffer[64] = {};
+            const int32_t rc = w.acquisition()->library().getParam(
+                w.document().hDevice, static_cast<DeviceParamId>(id), buffer, sizeof buffer);
+            values.push_back(QByteArray::number(id) + ":" + QByteArray::number(rc) + ":" +
+                             QByteArray(buffer, 12).toHex());
+        }
+        return values;
+    }
+
+    // A spectrum from another analyser opened while connected: its settings snapshot and
+    // serial go into the record, but MCA > Setup and Apply keep to the device's own.
+    void openWhileConnectedThenApplyLeavesTheDevice() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.showMcaSettings();
+        w.settingsWindow()->cmdApply(); // the settings as the window writes them
+        const std::vector<QByteArray> before = deviceParameters(w);
+        const QString other = writeSpectrum("model06.spe", true, [](SpectrumDocument& d) {
+            d.szDeviceSerial = "06110108"; // a fine-gain range of 4095 steps
+            d.lFineGain = 4095;
+            d.lCoarseGain = 5;
+            d.sngHighVoltage = 1200.0f;
+            d.lLLD = 20;
+            d.lULD = 300;
+            d.lPresetMode = 3;
+            d.sngPresetTime = 7.0f;
+        });
+        w.settingsWindow()->close();
+        QApplication::processEvents();
+        QVERIFY(w.openSpectrum(other));
+        w.showMcaSettings();
+        w.settingsWindow()->cmdApply();
+        w.settingsWindow()->cmdApply();
+        const std::vector<QByteArray> after = deviceParameters(w);
+        for (std::size_t i = 0; i < before.size(); ++i)
+            QCOMPARE(after[i], before[i]);
+        QCOMPARE(w.document().lFineGain, 4095); // the file's snapshot stays on show
+        w.close();
+    }
+
+    // The discriminators are channels of the chosen count, and an LLD at or above the
+    // ULD is refused before anything is written.
+    void discriminatorsKeepToTheChannelCount() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.showMcaSettings();
+        const auto box = [&w](const char* name) {
+            return qobject_cast<QSpinBox*>(w.settingsWindow()->control(name));
+        };
+        QCOMPARE(w.document().lULD, 16383); // the device's power-up answer
+        QCOMPARE(box("txtULD")->value(), 1023);
+        box("txtLLD")->setValue(600);
+        box("txtULD")->setValue(600);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("The LLD (channel 600) must be below the ULD (channel 600). "
+                             "Nothing was applied."));
+        QCOMPARE(w.document().lLLD, 0);
+        w.close();
+    }
+
     // The link drops while acquiring: one message, the disconnected state, and a later
     // Connect (to a device without the fault) works.
     void lostDeviceDuringAcquisition() {

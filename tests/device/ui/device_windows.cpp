@@ -21,6 +21,7 @@
 #include "device/BatchController.h"
 #include "device/ui/Scope.h"
 #include "device/ui/Settings.h"
+#include "device/ui/frmAdvanced.h"
 #include "device/ui/frmBatch.h"
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
@@ -309,6 +310,13 @@ private slots:
                  std::string("The LLD (channel 600) must be below the ULD (channel 600). "
                              "Nothing was applied."));
         QCOMPARE(w.document().lLLD, 0);
+        // Every field of the advanced settings says what it is.
+        frmAdvanced advanced(w.acquisition()->library(), w.document());
+        for (QWidget* field : advanced.findChildren<QWidget*>())
+            if (qobject_cast<QAbstractSpinBox*>(field) || qobject_cast<QAbstractButton*>(field) ||
+                qobject_cast<QComboBox*>(field))
+                QVERIFY2(!field->toolTip().isEmpty() || field->objectName().isEmpty(),
+                         qPrintable(field->objectName()));
         w.close();
     }
 

@@ -138,7 +138,11 @@ void TopLevel::showAcquisitionTexts() {
     const AcquisitionPanelTexts& t = m_acq->panelTexts();
     setPanelText(StatusPanel::Status, QString::fromStdString(t.status));
     setPanelText(StatusPanel::Preset, QString::fromStdString(t.preset));
-    setPanelText(StatusPanel::Elapsed, QString::fromStdString(t.elapsed));
+    // A notice (a failed read, an empty run with the high voltage off) follows the
+    // elapsed times in their stretching panel.
+    setPanelText(
+        StatusPanel::Elapsed,
+        QString::fromStdString(t.notice.empty() ? t.elapsed : t.elapsed + "   " + t.notice));
     setPanelText(StatusPanel::CountRate, QString::fromStdString(t.countRate));
     setPanelText(StatusPanel::Icr, QString::fromStdString(t.icr));
     showRoiReadout();
@@ -239,7 +243,7 @@ void TopLevel::showBatch() {
     if (initial.szBatchDir.empty())
         initial.szBatchDir = m_settings.BatchDataDir;
     frmBatch dialog(
-        initial, *m_messages,
+        initial, m_doc.szSpectrumID, *m_messages,
         [this](const BatchSettings& s) {
             m_batch->begin(s);
             RefreshMainWindow(RefreshCode::OptionsBatch);

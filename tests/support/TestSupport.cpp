@@ -1,6 +1,7 @@
 #include "TestSupport.h"
 
 #include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -73,17 +74,57 @@ std::string Quoted(const std::string& text) {
     return q + "'";
 }
 
-CliRun RunCli(const std::string& args, const std::string& env) {
-    TempDir dir;
-    const std::string command =
-        "VEXO_TICK_MS=0 " + env + " timeout 60 " + Quoted((BinDir() / "vexo-cli").string()) + " " +
-        args + " >" + Quoted((dir / "out").string()) + " 2>" + Quoted((dir / "err").string());
-    const int status = std::system(command.c_str());
+namespace {
+
+// The shell command of one vexo-cli run, its output going to files in `dir`.
+std::string CliCommandLine(const std::string& args, const std::string& env, const TempDir& dir) {
+    return "env VEXO_TICK_MS=0 " + env + " " + Quoted((BinDir() / "vexo-cli").string()) + " " +
+           args + " >" + Quoted((dir / "out").string()) + " 2>" + Quoted((dir / "err").string());
+}
+
+CliRun Finished(int status, const TempDir& dir) {
     CliRun run;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     run.out = ReadBytes(dir / "out");
     run.err = ReadBytes(dir / "err");
     return run;
+}
+
+} // namespace
+
+CliRun RunCli(const std::string& args, const std::string& env, const std::filesystem::path& cwd) {
+    TempDir dir;
+    const std::string folder = cwd.empty() ? "" : "cd " + Quoted(cwd.string()) + " && ";
+    return Finished(std::system((folder + "timeout 60 " + CliCommandLine(args, env, dir)).c_str()),
+                    dir);
+}
+
+CliChild::CliChild(const std::string& args, const std::string& env) {
+    // `exec` leaves the child's process id to vexo-cli itself, the receiver of signals.
+    const std::string command = "exec " + CliCommandLine(args, env, m_dir);
+    m_pid = ::fork();
+    if (m_pid == 0) {
+        ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+}
+
+CliChild::~CliChild() {
+    if (m_pid > 0) {
+        ::kill(m_pid, SIGKILL);
+        ::waitpid(m_pid, nullptr, 0);
+    }
+}
+
+void CliChild::signal(int signalNumber) const {
+    ::kill(m_pid, signalNumber);
+}
+
+CliRun CliChild::wait() {
+    int status = 0;
+    ::waitpid(m_pid, &status, 0);
+    m_pid = -1;
+    return Finished(status, m_dir);
 }
 
 CliRun Cli(const std::vector<std::string>& args) {

@@ -55,6 +55,7 @@ public:
     // The marked range, or the whole spectrum when nothing is marked.
     MarkedRange markedRange() const;
     void setMarkedRange(int32_t first, int32_t last);
+    void clearMarkedRange() { m_markFirst = m_markLast = -1; }
 
     // Recomputes the reduced curve from the counts and redraws now.
     void refreshPlot();

@@ -134,6 +134,7 @@ void TopLevel::zoomIn() {
 void TopLevel::zoomOut() {
     if (!vexo::ZoomOut(m_zoom, m_doc.lChannels))
         return;
+    m_plot42->clearMarkedRange(); // the next zoom starts from a fresh mark
     layoutPlots();
     DisplaySpectrum();
     UpdateMenu();

@@ -129,7 +129,8 @@ void TopLevel::buildViewMenu() {
     check("mnuViewChn", "&Channels", [this] { showChannels(); });
     check("mnuViewEn", "&Energy", [this] { showEnergy(); });
     check("mnuViewTime", "&Time", [this] { showTime(); });
-    addItem(view, "mnuViewScope", "S&cope", &TopLevel::toggleScope)->setCheckable(true);
+    // "P", because "&Channels" above already answers to "C".
+    addItem(view, "mnuViewScope", "Sco&pe", &TopLevel::toggleScope)->setCheckable(true);
 }
 
 void TopLevel::buildDeviceMenus() {

@@ -108,6 +108,8 @@ private slots:
         QCOMPARE(w.DataPlot41()->xMin(), 0);
         QCOMPARE(w.DataPlot41()->xMax(), 1023);
         QVERIFY(!w.action("tbZoom")->isChecked());
+        QCOMPARE(w.DataPlot42()->markedRange().first, 0); // the old mark is gone
+        QCOMPARE(w.DataPlot42()->markedRange().last, 1023);
         w.zoomOut(); // not zoomed: nothing happens
         QCOMPARE(w.DataPlot41()->xMax(), 1023);
         // A range dragged out on the overview with the mouse is what Zoom in shows.

@@ -55,9 +55,9 @@ void FullRefresh(UpdateBuilder& u) {
     u.scaleButtons();
     u.show(ToolButton::tbProcess, f.externalProcessing);
     u.panel(StatusPanel::Connection, "Not connected");
-    for (StatusPanel p :
-         {StatusPanel::File, StatusPanel::Status, StatusPanel::Preset, StatusPanel::Elapsed,
-          StatusPanel::CountRate, StatusPanel::Icr, StatusPanel::Batch, StatusPanel::BatchCounter})
+    for (StatusPanel p : {StatusPanel::File, StatusPanel::Status, StatusPanel::Preset,
+                          StatusPanel::Elapsed, StatusPanel::CountRate, StatusPanel::Icr,
+                          StatusPanel::Batch, StatusPanel::BatchCounter, StatusPanel::HighVoltage})
         u.panel(p, "");
     u.update().spectrumId = f.szSpectrumID;
     u.update().runCalibrate = f.xUnitMode != 0;

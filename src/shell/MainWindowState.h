@@ -79,9 +79,10 @@ enum class StatusPanel {
     CountRate,
     Icr,
     Batch,
-    BatchCounter
+    BatchCounter,
+    HighVoltage // "HV 800 V on" while connected (device/HighVoltage.h)
 };
-constexpr int kStatusPanelCount = 9;
+constexpr int kStatusPanelCount = 10;
 
 struct PanelText {
     StatusPanel panel;

@@ -17,6 +17,7 @@
 #include "device/BatchController.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
+#include "device/HighVoltage.h"
 #include "device/ScopeController.h"
 #include "device/ui/Settings.h"
 #include "plot/ui/SpectrumPlot.h"
@@ -112,6 +113,8 @@ void TopLevel::closeEvent(QCloseEvent* event) {
     m_tmrRefresh.stop();
     m_tmrConnect.stop();
     m_tmrBatchWait.stop();
+    if (m_lib)
+        OfferHVOff(*m_lib, m_doc, *m_messages, HVLeaving::Exit);
     if (m_connection)
         m_connection->exit();
     storePlacement();

@@ -10,6 +10,7 @@
 #include "device/BatchController.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
+#include "device/HighVoltage.h"
 #include "device/ScopeController.h"
 #include "device/ui/Scope.h"
 #include "device/ui/Settings.h"
@@ -45,6 +46,8 @@ void TopLevel::createControllers() {
             DisplaySpectrum();
             UpdateInfo();
         }
+        if (update.statusPolled && m_settingsWindow)
+            m_settingsWindow->setHVState(m_acq->hvState());
         showAcquisitionTexts();
     };
     // The same clean-up as Disconnect: the device windows would talk to a closed handle.
@@ -141,6 +144,10 @@ void TopLevel::showAcquisitionTexts() {
     setPanelText(StatusPanel::Elapsed, QString::fromStdString(t.elapsed));
     setPanelText(StatusPanel::CountRate, QString::fromStdString(t.countRate));
     setPanelText(StatusPanel::Icr, QString::fromStdString(t.icr));
+    setPanelText(StatusPanel::HighVoltage,
+                 m_doc.hDevice != 0
+                     ? QString::fromStdString(DeviceHVPanelText(*m_lib, m_doc, m_acq->hvState()))
+                     : QString());
     showRoiReadout();
     if (m_batch) {
         const BatchPanelTexts b = m_batch->panelTexts();
@@ -205,12 +212,13 @@ void TopLevel::disconnectDevice() {
     if (!m_connection)
         return;
     m_tmrBatchWait.stop();
+    OfferHVOff(*m_lib, m_doc, *m_messages, HVLeaving::Disconnect);
     m_connection->disconnect();
     RefreshMainWindow(RefreshCode::All);
 }
 
 void TopLevel::startAcquisition() {
-    if (!needDevice())
+    if (!needDevice() || !ConfirmStartWithHV(*m_lib, m_doc, *m_messages))
         return;
     m_acq->start();
     showAcquisitionTexts();
@@ -241,6 +249,8 @@ void TopLevel::showBatch() {
     frmBatch dialog(
         initial, *m_messages,
         [this](const BatchSettings& s) {
+            if (!ConfirmStartWithHV(*m_lib, m_doc, *m_messages))
+                return;
             m_batch->begin(s);
             RefreshMainWindow(RefreshCode::OptionsBatch);
             showAcquisitionTexts();

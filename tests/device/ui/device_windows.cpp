@@ -3,6 +3,7 @@
 // and reopening the file; batches; the start-up connection to the last detector.
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QDoubleSpinBox>
@@ -142,7 +143,10 @@ private slots:
         const auto counts = w.document().lCounts;
         const int channels = w.document().lChannels;
 
-        w.action("mnuFileDisconnect")->trigger();
+        w.action("mnuFileDisconnect")->trigger(); // the voltage is on: asked, left on
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].buttons, MsgButtons::YesNoDefaultNo);
+        m_messages.clear();
         QCOMPARE(w.document().hDevice, 0);
         QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
         QVERIFY(!w.refreshTimer().isActive());
@@ -154,6 +158,55 @@ private slots:
             QCOMPARE(w.document().lCounts[ch], counts[ch]);
         QVERIFY2(m_messages.shown().empty(),
                  m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    // The high voltage in the status bar and the settings window, tick by tick, and the
+    // questions before starting with it off and before letting go of the device with it on.
+    void highVoltageWatchedAndAskedAbout() {
+        const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
+        const std::filesystem::path ramping = dir() / "KORVHW-ramp.ini";
+        test::WriteBytes(ramping,
+                         test::SimConfigText(dir() / "sim", test::Model10("HVRampSeconds=2")));
+        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(ramping.string()));
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V on"));
+        w.showMcaSettings();
+        auto* hvOn = qobject_cast<QCheckBox*>(w.settingsWindow()->control("chkHVOn"));
+        auto* state = qobject_cast<QLabel*>(w.settingsWindow()->control("lblHVState"));
+        hvOn->setChecked(false);
+        w.settingsWindow()->cmdApply();
+        w.acquisition()->tick();
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V off"));
+        w.startAcquisition(); // asked; the default answer No leaves it stopped
+        QCOMPARE(m_messages.shown().back().text, std::string("High voltage is off: start anyway?"));
+        QVERIFY(!w.acquisition()->bAcqActive());
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        w.startAcquisition();
+        QVERIFY(w.acquisition()->bAcqActive());
+        w.stopAcquisition();
+        hvOn->setChecked(true);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(state->text(), QString("Ramping"));
+        for (int i = 0; i < 6; ++i)
+            w.acquisition()->tick();
+        QCOMPARE(state->text(), QString("On")); // live, without reopening the window
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V on"));
+        m_messages.clear();
+        m_messages.queueAnswer(MsgAnswer::Yes); // switch it off before disconnecting
+        w.disconnectDevice();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("High voltage is on: switch it off before disconnecting?"));
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V off"));
+        qputenv("VEXO_SIM_CONFIG", healthy);
+        m_messages.clear();
+        w.close(); // off: nothing to ask
+        QVERIFY(m_messages.shown().empty());
     }
 
     // Each tick's ROI read-out shows the figures of the spectrum read in that tick, not

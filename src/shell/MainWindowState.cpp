@@ -179,6 +179,19 @@ std::string BatchCounterText(const MainWindowFlags& f) {
     return BatchCounterText(f.batchOn, f.batchDone, f.batchUntilStop, f.batchCount);
 }
 
+std::string MainWindowTitle(SpectrumShown shown, const MainWindowFlags& f) {
+    switch (shown) {
+    case SpectrumShown::File:
+        return "Vexo - " + f.szFileName;
+    case SpectrumShown::Device:
+        return "Vexo - " + f.szDeviceName + " S/N " + f.szDeviceSerial +
+               (f.connected ? " (live)" : "");
+    case SpectrumShown::None:
+        break;
+    }
+    return "Vexo";
+}
+
 const std::vector<std::string>& RoiMenuItems() {
     static const std::vector<std::string> items = {"mnuROISave", "mnuROIClearAll"};
     return items;

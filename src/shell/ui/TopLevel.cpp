@@ -153,6 +153,11 @@ MainWindowFlags TopLevel::flags() const {
 void TopLevel::RefreshMainWindow(RefreshCode code) {
     applyUpdate(vexo::RefreshMainWindow(code, flags()));
     UpdateMenu();
+    updateTitle();
+}
+
+void TopLevel::updateTitle() {
+    setWindowTitle(QString::fromStdString(MainWindowTitle(m_shown, flags())));
 }
 
 void TopLevel::applyUpdate(const MainWindowUpdate& u) {

@@ -54,9 +54,10 @@ bool TopLevel::openSpectrum(const QString& path) {
         DisplaySpectrum(); // the ROIs and calibration were reset before reading
         return false;
     }
-    setWindowTitle("Vexo - " + QString::fromStdString(m_doc.szFileName));
+    m_shown = SpectrumShown::File;
     addRecentFile(path);
     m_zoom = {false, 0, m_doc.lChannels - 1};
+    m_plot42->clearMarkedRange(); // a mark made on the previous spectrum
     for (RefreshCode code : kOpenRefreshCodes)
         RefreshMainWindow(code);
     if (m_xUnit != XUnit::Channels)

@@ -43,6 +43,8 @@ void TopLevel::createControllers() {
     // One redraw per pass, once the spectrum, the status and the ROI figures are all new.
     ah.updated = [this](const AcquisitionUpdate& update) {
         if (update.spectrumRead) {
+            m_shown = SpectrumShown::Device;
+            updateTitle();
             DisplaySpectrum();
             UpdateInfo();
         }
@@ -202,7 +204,6 @@ void TopLevel::connectDevice() {
     const bool connected =
         m_connection->connect([this] { return ChooseDevice(*m_lib, *m_messages, this); });
     if (connected) {
-        setWindowTitle("Vexo");
         DisplaySpectrum();
         UpdateInfo();
     }

@@ -187,46 +187,95 @@ void TopLevel::buildToolbar() {
     }
 }
 
-// Each panel is at least as wide as the longest text it is expected to show, measured
-// with the status bar's font, so a text is not cut while the window has its default
-// width; a longer text (a long device name) widens its panel further. Empty panels are
-// hidden and give their room to the others. The elapsed-time panel takes what is left.
+namespace {
+
+// Where a status panel sits and the longest text it is expected to show.
+struct PanelSpec {
+    StatusPanel panel;
+    int row;             // 0: what is connected or open, the voltage, the batch; 1: the run
+    const char* longest; // sets the panel's least width
+    int stretch;         // the panels that take the room left over in their row
+};
+
+const PanelSpec kPanelSpecs[] = {
+    {StatusPanel::Connection, 0, "Connected to KORV MCA-10 S/N 10230417", 0},
+    {StatusPanel::File, 0, "File: spectrum.spe", 0},
+    {StatusPanel::HighVoltage, 0, "HV 1500 V inhibited", 0},
+    {StatusPanel::Batch, 0, "BATCH ON (Waiting : 999.9)", 0},
+    {StatusPanel::BatchCounter, 0, "Acq. done: 99 of 99", 0},
+    {StatusPanel::Status, 1, "(Batch) HV ramping", 0},
+    {StatusPanel::Preset, 1, "Live Time = 3600 sec", 0},
+    {StatusPanel::Elapsed, 1, "Elapsed time (seconds): 3600.0 live, 3600.0 real (10.00% dead)", 1},
+    {StatusPanel::CountRate, 1, "99999.9 cps", 0},
+    {StatusPanel::Icr, 1, "ICR 99999.9 cps", 0},
+};
+
+} // namespace
+
+// Two rows of panels, so that every text fits at the default width of 1000 pixels: each
+// panel is at least as wide as the longest text it is expected to show, measured with
+// the status bar's font; a longer text (a long device name) widens its panel further
+// while there is room. Empty panels are hidden and give their room to the others. A
+// third row holds the passing notice, shown only while there is one.
 void TopLevel::buildStatusBar() {
-    const char* longest[kStatusPanelCount] = {
-        "Connected to KORV MCA-10 S/N 10230417", // Connection
-        "File: spectrum.spe",                    // File
-        "HV ramping",                            // Status (a batch prefix widens it)
-        "Live Time = 3600 sec",                  // Preset
-        nullptr,                                 // Elapsed: stretches
-        "99999.9 cps",                           // CountRate
-        "ICR 99999.9 cps",                       // Icr
-        "BATCH OFF",                             // Batch
-        "Acq. done: 99 of 99",                   // BatchCounter
-    };
+    auto* area = new QWidget(this);
+    auto* rows = new QVBoxLayout(area);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(1);
+    QHBoxLayout* row[2] = {new QHBoxLayout, new QHBoxLayout};
+    for (QHBoxLayout* r : row) {
+        r->setSpacing(3);
+        rows->addLayout(r);
+    }
     const QFontMetrics metrics(statusBar()->font());
-    for (int i = 0; i < kStatusPanelCount; ++i) {
+    for (const PanelSpec& spec : kPanelSpecs) {
         auto* label = new QLabel(this);
         label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        if (longest[i]) {
-            const int frame = 2 * label->frameWidth() + 2 * label->margin() + 4;
-            label->setMinimumWidth(metrics.horizontalAdvance(QString::fromLatin1(longest[i])) +
-                                   frame);
-        }
-        statusBar()->addWidget(label, longest[i] ? 0 : 1);
+        const int frame = 2 * label->frameWidth() + 2 * label->margin() + 4;
+        label->setMinimumWidth(metrics.horizontalAdvance(QString::fromLatin1(spec.longest)) +
+                               frame);
+        row[spec.row]->addWidget(label, spec.stretch);
         label->setVisible(false);
-        m_panels[i] = label;
+        m_panels[static_cast<int>(spec.panel)] = label;
     }
     m_batchProgress = new QProgressBar(this);
     m_batchProgress->setObjectName("batchProgress");
     m_batchProgress->setMaximumWidth(120);
     m_batchProgress->setFormat("%v / %m");
     m_batchProgress->setVisible(false);
-    statusBar()->addPermanentWidget(m_batchProgress);
+    row[0]->addWidget(m_batchProgress);
+    // The panels keep to the left, each as wide as its text; in the second row the
+    // elapsed time takes the room left over whenever it is shown.
+    row[0]->addStretch(1);
+    row[1]->addStretch(0);
+    m_notice = new QLabel(this);
+    m_notice->setObjectName("statusNotice");
+    m_notice->setWordWrap(true);
+    m_notice->setVisible(false);
+    rows->addWidget(m_notice);
+    statusBar()->addWidget(area, 1);
+    m_noticeTimer.setSingleShot(true);
+    m_noticeTimer.setInterval(30000);
+    connect(&m_noticeTimer, &QTimer::timeout, this, [this] { showNotice({}); });
+}
+
+void TopLevel::showNotice(const QString& text) {
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+    if (text.isEmpty())
+        m_noticeTimer.stop();
+    else
+        m_noticeTimer.start();
+}
+
+QString TopLevel::noticeText() const {
+    return m_notice->text();
 }
 
 void TopLevel::setPanelText(StatusPanel panel, const QString& text) {
     QLabel* label = m_panels[static_cast<int>(panel)];
     label->setText(text);
+    label->setToolTip(text); // the whole text where a long file name is cut
     label->setVisible(!text.isEmpty());
 }
 

@@ -68,6 +68,7 @@ private slots:
         QVERIFY2(w.document().hDevice != 0, "the simulated analyser did not open");
         QCOMPARE(w.panelText(StatusPanel::Connection),
                  QString("Connected to KORV MCA-10 S/N 10230417"));
+        QCOMPARE(w.windowTitle(), QString("Vexo - KORV MCA-10 S/N 10230417 (live)"));
         QVERIFY(enabled(w, "tbStart"));
         QVERIFY(!enabled(w, "tbStop"));
         QVERIFY(!enabled(w, "tbConnect"));
@@ -153,6 +154,7 @@ private slots:
 
         w.document().lCounts.fill(0);
         QVERIFY(w.openSpectrum(saved));
+        QCOMPARE(w.windowTitle(), QString("Vexo - measured.spe"));
         QCOMPARE(w.document().lChannels, channels);
         for (int ch = 0; ch < channels; ++ch)
             QCOMPARE(w.document().lCounts[ch], counts[ch]);

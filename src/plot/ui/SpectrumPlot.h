@@ -63,7 +63,8 @@ public:
     int32_t channelAtPixel(double x) const;
 
 signals:
-    void cursorMoved(int channel);
+    // A left click moved the cursor; `modifiers` are the keys held while clicking.
+    void cursorMoved(int channel, Qt::KeyboardModifiers modifiers);
     void plotMouseDown(Qt::MouseButton button, Qt::KeyboardModifiers mods, int channel);
     void plotMouseMove(Qt::MouseButtons buttons, Qt::KeyboardModifiers mods, int channel);
     void plotMouseUp(Qt::MouseButton button, Qt::KeyboardModifiers mods, int channel);

@@ -266,8 +266,18 @@ void TopLevel::UpdateInfo() {
 }
 
 // The clicked channel also waits in the calibration dialog, for the row being filled.
-void TopLevel::onCursorMoved(int channel) {
-    calibDialog()->SetChannel(channel);
+// While the dialog is open a click lands on the top of the peak beside it, and the cursor
+// follows, so what the dialog holds is what the plot shows; Alt keeps the channel as
+// clicked.
+void TopLevel::onCursorMoved(int channel, Qt::KeyboardModifiers modifiers) {
+    calib* dialog = calibDialog();
+    if (dialog->isVisible() && !modifiers.testFlag(Qt::AltModifier)) {
+        const int32_t peak = SnapToLocalMaximum(m_doc, channel);
+        if (peak != channel)
+            SetCursor(peak);
+        channel = peak;
+    }
+    dialog->SetChannel(channel);
     UpdateInfo();
 }
 

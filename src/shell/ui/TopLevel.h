@@ -165,7 +165,7 @@ private:
     void mnuROIClearAll();
     void mnuROISave();
     void mnuHelpAbout();
-    void onCursorMoved(int channel);
+    void onCursorMoved(int channel, Qt::KeyboardModifiers modifiers);
     calib* calibDialog(); // created, unshown, on first use
     void popupSpect(const QPoint& pos);
     PictureView pictureView() const; // the main plot as it stands (TopLevelReport.cpp)

@@ -201,6 +201,16 @@ private slots:
         QVERIFY(std::abs(second - 300) <= 1);
         QCOMPARE(dialog->txtCh(1)->text(), QString::number(second));
         QCOMPARE(dialog->txtCh(0)->text(), QString::number(first)); // row A kept its channel
+        // Near a peak the click lands on its top (265), with the cursor; Alt keeps the click.
+        focusRow(*dialog, 2);
+        clickPlotAt(plot, 263);
+        QCOMPARE(dialog->txtCh(2)->text(), QString("265"));
+        QCOMPARE(plot->cursorChannel(), 265);
+        const int x = static_cast<int>(std::lround(plot->xAxis->coordToPixel(263)));
+        QTest::mouseClick(plot, Qt::LeftButton, Qt::AltModifier, QPoint(x, plot->height() / 2));
+        QVERIFY(plot->cursorChannel() != 265);
+        QCOMPARE(dialog->txtCh(2)->text(), QString::number(plot->cursorChannel()));
+        dialog->txtCh(2)->clear();
         // A second Calibrate brings up the same dialog.
         w.showCalibration();
         QCOMPARE(w.existingCalibDialog(), dialog.data());
@@ -234,6 +244,10 @@ private slots:
         dialog->cmbEn(0)->setEditText("661.7");
         dialog->txtCh(2)->setText("800");
         dialog->cmbEn(2)->setEditText("1332.5");
+        dialog->txtCh(1)->setText("4x0"); // does not count, and the dialog says why
+        QCOMPARE(dialog->rowProblemText(),
+                 QString("Point B does not count: the channel is not a number"));
+        shootWithPopup(*dialog, *dialog->cmbEn(1), "calibration");
         m_messages.queueAnswer(MsgAnswer::No);
         dialog->cmdOk();
         QTest::qWait(20);

@@ -26,6 +26,19 @@
 
 namespace vexo {
 
+namespace {
+
+// A tool window opens over the middle of the main window rather than wherever the window
+// system puts it (dialogs such as the batch window are centred by Qt itself).
+void CentreOver(QWidget* child, const QWidget* parent) {
+    child->adjustSize();
+    QRect frame(QPoint(), child->size());
+    frame.moveCenter(parent->frameGeometry().center());
+    child->move(frame.topLeft());
+}
+
+} // namespace
+
 void TopLevel::createControllers() {
     DeviceLibraryLoad load = DeviceLibrary::Load();
     if (!load.library) {
@@ -279,6 +292,7 @@ void TopLevel::showMcaSettings() {
                 UpdateInfo();
             },
             this);
+        CentreOver(m_settingsWindow, this);
     }
     m_settingsWindow->show();
     m_settingsWindow->raise();
@@ -307,6 +321,7 @@ void TopLevel::toggleScope() {
         },
         this);
     m_scopeShown = true;
+    CentreOver(m_scopeWindow, this);
     m_scopeWindow->show();
     UpdateMenu();
 }

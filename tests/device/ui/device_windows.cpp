@@ -422,14 +422,23 @@ private slots:
 
     void emptyDeviceListRefusesOpen() {
         TopLevel w(dir(), &m_messages);
-        QTimer::singleShot(0, [] {
+        bool searching = false;
+        QString type;
+        QTimer::singleShot(0, [&searching, &type] {
             auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
             if (!list)
                 return;
             list->cmdOpen(); // no tick yet: the list is empty
+            searching = list->searchingLabel()->isVisibleTo(list);
+            list->tmrSearch();
+            list->tmrSearch(); // rows lag one tick behind the search
+            searching = searching && !list->searchingLabel()->isVisibleTo(list);
+            type = list->lvDevices()->topLevelItem(0)->text(4);
             list->reject();
         });
         w.connectDevice();
+        QVERIFY(searching); // shown while the list is empty, gone with the first row
+        QCOMPARE(type, QString("USB"));
         QCOMPARE(w.document().hDevice, 0);
         // Start-up may also have said that the report styles file is missing.
         int listEmpty = 0;

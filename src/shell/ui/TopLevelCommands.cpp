@@ -55,6 +55,7 @@ bool TopLevel::openSpectrum(const QString& path) {
         return false;
     }
     m_shown = SpectrumShown::File;
+    showNotice(QString::fromStdString(r.notice)); // reading on regardless, as always
     addRecentFile(path);
     m_zoom = {false, 0, m_doc.lChannels - 1};
     m_plot42->clearMarkedRange(); // a mark made on the previous spectrum

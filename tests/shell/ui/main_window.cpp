@@ -82,6 +82,17 @@ private slots:
         QCOMPARE(w.windowTitle(), QString("Vexo"));
     }
 
+    // Any file reads as plain counts; what was not counts is noticed, not asked about.
+    void plainFileWithTextIsNoticed() {
+        TopLevel w(dir(), &m_messages);
+        test::WriteBytes(dir() / "notes.txt", "12\r\n15\r\nchannel seventeen\r\n20\r\n");
+        QVERIFY(w.openSpectrum(m_dir.path() + "/notes.txt"));
+        QCOMPARE(w.document().lChannels, 5);
+        QCOMPARE(w.noticeText(),
+                 QString("Read as plain counts: 5 values; the file holds text that is not counts"));
+        QVERIFY(m_messages.shown().empty());
+    }
+
     void spectrumIdBoxWritesTheRecord() {
         TopLevel w(dir(), &m_messages);
         QTest::keyClicks(w.spectrumIdBox(), "S17");
@@ -138,6 +149,7 @@ private slots:
         QCOMPARE(info[0], QString("Channel 265"));
         QCOMPARE(info[1], QString("Counts 4050"));
         QCOMPARE(info[2], QString("Not calibrated"));
+        QVERIFY(w.noticeText().isEmpty()); // counts and nothing else: no notice
         QCOMPARE(info[3], QString("0.00 keV"));
         QCOMPARE(info[4], QString("0 CPS"));
         w.action("mnuViewEn")->trigger();

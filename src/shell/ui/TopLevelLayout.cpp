@@ -1,18 +1,20 @@
 // The main window's widgets: menus, toolbar, status bar and the central area.
 #include <QAction>
 #include <QApplication>
+#include <QFile>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QPainter>
 #include <QProgressBar>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <vector>
 
+#include "base/AppDir.h"
 #include "plot/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 
@@ -20,48 +22,48 @@ namespace vexo {
 
 namespace {
 
-// A small drawn icon for the buttons the style has no picture for.
-QIcon TextIcon(const QString& text) {
-    QPixmap pix(32, 32);
-    pix.fill(Qt::transparent);
-    QPainter p(&pix);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(40, 40, 120), 2));
-    p.setBrush(QColor(220, 225, 245));
-    p.drawRoundedRect(QRectF(2, 2, 28, 28), 5, 5);
-    QFont f = p.font();
-    f.setBold(true);
-    f.setPixelSize(text.size() > 2 ? 11 : 16);
-    p.setFont(f);
-    p.drawText(pix.rect(), Qt::AlignCenter, text);
-    return QIcon(pix);
-}
-
 struct ToolSpec {
     ToolButton button;
-    QStyle::StandardPixmap pixmap; // SP_CustomBase: drawn from `text`
-    const char* text;
+    const char* icon;  // icon name: the platform theme's, else Breeze's (icons/<name>.svg)
+    const char* label; // shown on the button only when no picture can be had
     const char* tip;
 };
 
-constexpr QStyle::StandardPixmap kDrawn = QStyle::SP_CustomBase;
-
+// The names are those of the freedesktop icon naming where it has one. The same list is
+// copied from the Breeze theme at build time (VEXO_TOOLBAR_ICONS in CMakeLists.txt).
 const ToolSpec kToolSpecs[] = {
-    {ToolButton::tbConnect, QStyle::SP_DriveNetIcon, "", "Connect to an MCA"},
-    {ToolButton::tbDisconnect, QStyle::SP_BrowserStop, "", "Disconnect from the MCA"},
-    {ToolButton::tbOpen, QStyle::SP_DialogOpenButton, "", "Open a spectrum file"},
-    {ToolButton::tbSave, QStyle::SP_DialogSaveButton, "", "Save the spectrum with all its data"},
-    {ToolButton::tbPrint, kDrawn, "Prt", "Print report"},
-    {ToolButton::tbStart, QStyle::SP_MediaPlay, "", "Start acquisition"},
-    {ToolButton::tbStop, QStyle::SP_MediaStop, "", "Stop acquisition"},
-    {ToolButton::tbClear, QStyle::SP_TrashIcon, "", "Clear the spectrum"},
-    {ToolButton::tbLin, kDrawn, "Lin", "Linear scale"},
-    {ToolButton::tbLog, kDrawn, "Log", "Logarithmic scale"},
-    {ToolButton::tbZoom, kDrawn, "Z", "Zoom to the range marked on the overview"},
-    {ToolButton::tbScope, kDrawn, "~", "Digital scope"},
-    {ToolButton::tbSettings, kDrawn, "Set", "MCA settings"},
-    {ToolButton::tbProcess, kDrawn, "Pr", "Process spectrum with an external program"},
+    {ToolButton::tbConnect, "network-connect", "Connect", "Connect to an MCA"},
+    {ToolButton::tbDisconnect, "network-disconnect", "Disconnect", "Disconnect from the MCA"},
+    {ToolButton::tbOpen, "document-open", "Open", "Open a spectrum file"},
+    {ToolButton::tbSave, "document-save", "Save", "Save the spectrum with all its data"},
+    {ToolButton::tbPrint, "document-print", "Print", "Print report"},
+    {ToolButton::tbStart, "media-playback-start", "Start", "Start acquisition"},
+    {ToolButton::tbStop, "media-playback-stop", "Stop", "Stop acquisition"},
+    {ToolButton::tbClear, "edit-clear", "Clear", "Clear the spectrum"},
+    {ToolButton::tbLin, "view-object-histogram-linear", "Lin", "Linear scale"},
+    {ToolButton::tbLog, "view-object-histogram-logarithmic", "Log", "Logarithmic scale"},
+    {ToolButton::tbZoom, "zoom-select", "Zoom", "Zoom to the range marked on the overview"},
+    {ToolButton::tbScope, "office-chart-line", "Scope", "Digital scope"},
+    {ToolButton::tbSettings, "configure", "Settings", "MCA settings"},
+    {ToolButton::tbProcess, "system-run", "Process", "Process spectrum with an external program"},
 };
+
+// One set of pictures: the platform theme's when it has every icon (a desktop with
+// Breeze or a theme as complete), else the Breeze SVGs beside the executable, rather
+// than a mix of two styles. SVG keeps them sharp at any scale.
+std::vector<QIcon> ToolbarIcons() {
+    const bool themed = std::all_of(std::begin(kToolSpecs), std::end(kToolSpecs),
+                                    [](const ToolSpec& s) { return QIcon::hasThemeIcon(s.icon); });
+    const QString folder = QString::fromStdString((ExecutableDir() / "icons").string());
+    std::vector<QIcon> icons;
+    for (const ToolSpec& spec : kToolSpecs) {
+        const QString file = folder + "/" + spec.icon + ".svg";
+        icons.push_back(themed                ? QIcon::fromTheme(spec.icon)
+                        : QFile::exists(file) ? QIcon(file)
+                                              : QIcon());
+    }
+    return icons;
+}
 
 } // namespace
 
@@ -168,13 +170,14 @@ void TopLevel::buildMenus() {
 void TopLevel::buildToolbar() {
     m_toolbar = addToolBar("Toolbar");
     m_toolbar->setObjectName("Toolbar");
-    m_toolbar->setIconSize(QSize(24, 24));
-    for (const ToolSpec& spec : kToolSpecs) {
+    m_toolbar->setIconSize(QSize(22, 22)); // the size Breeze draws its toolbar icons for
+    const std::vector<QIcon> icons = ToolbarIcons();
+    for (std::size_t i = 0; i < std::size(kToolSpecs); ++i) {
+        const ToolSpec& spec = kToolSpecs[i];
         const QString key = QString::fromUtf8(ToolButtonKey(spec.button).data(),
                                               static_cast<int>(ToolButtonKey(spec.button).size()));
-        const QIcon icon =
-            spec.pixmap == kDrawn ? TextIcon(spec.text) : style()->standardIcon(spec.pixmap);
-        QAction* a = m_toolbar->addAction(icon, key);
+        QAction* a = m_toolbar->addAction(icons[i], key);
+        a->setIconText(spec.label); // what an icon-less button shows
         a->setObjectName(key);
         a->setToolTip(spec.tip);
         a->setCheckable(spec.button == ToolButton::tbLin || spec.button == ToolButton::tbLog ||

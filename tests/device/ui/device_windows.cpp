@@ -56,6 +56,16 @@ class DeviceWindowsTest : public QObject, public UiFixture {
         QVERIFY(shown > 0);
     }
 
+    // Points the simulated analyser at a model-10 configuration with `extra` keys, written
+    // to `name`; returns the configuration in use before, to be put back.
+    QByteArray useModel10With(const char* name, const std::string& extra) {
+        const QByteArray previous = qgetenv("VEXO_SIM_CONFIG");
+        const std::filesystem::path file = dir() / name;
+        test::WriteBytes(file, test::SimConfigText(dir() / "sim", test::Model10(extra)));
+        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(file.string()));
+        return previous;
+    }
+
 private slots:
     void initTestCase() { QVERIFY(setUp()); }
     void init() { m_messages.clear(); }
@@ -165,11 +175,7 @@ private slots:
     // The high voltage in the status bar and the settings window, tick by tick, and the
     // questions before starting with it off and before letting go of the device with it on.
     void highVoltageWatchedAndAskedAbout() {
-        const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
-        const std::filesystem::path ramping = dir() / "KORVHW-ramp.ini";
-        test::WriteBytes(ramping,
-                         test::SimConfigText(dir() / "sim", test::Model10("HVRampSeconds=2")));
-        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(ramping.string()));
+        const QByteArray healthy = useModel10With("KORVHW-ramp.ini", "HVRampSeconds=2");
         TopLevel w(dir(), &m_messages);
         pickFirstDeviceSoon();
         w.connectDevice();
@@ -297,11 +303,7 @@ private slots:
     // The link drops while acquiring: one message, the disconnected state, and a later
     // Connect (to a device without the fault) works.
     void lostDeviceDuringAcquisition() {
-        const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
-        const std::filesystem::path faulty = dir() / "KORVHW-drops.ini";
-        test::WriteBytes(faulty,
-                         test::SimConfigText(dir() / "sim", test::Model10("DisconnectAfter=3")));
-        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(faulty.string()));
+        const QByteArray healthy = useModel10With("KORVHW-drops.ini", "DisconnectAfter=3");
         TopLevel w(dir(), &m_messages);
         w.show();
         pickFirstDeviceSoon();

@@ -151,6 +151,8 @@ public:
     int32_t lastPollError() const { return m_lastPollError; }
     // Acquisition mode the device reported at the latest poll (0 PHA, 1 MCS).
     int32_t deviceMode() const { return m_deviceMode; }
+    // HV word (id 22) of the latest successful poll.
+    int32_t hvState() const { return m_hvState; }
 
     const std::string& deviceSerial() const { return m_deviceSerial; }
     DeviceLibrary& library() { return m_lib; }

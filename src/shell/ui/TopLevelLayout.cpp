@@ -131,8 +131,9 @@ void TopLevel::buildViewMenu() {
     check("mnuViewChn", "&Channels", [this] { showChannels(); });
     check("mnuViewEn", "&Energy", [this] { showEnergy(); });
     check("mnuViewTime", "&Time", [this] { showTime(); });
-    // "P", because "&Channels" above already answers to "C".
-    addItem(view, "mnuViewScope", "Sco&pe", &TopLevel::toggleScope)->setCheckable(true);
+    // Its caption shares "C" with "&Channels"; the caption is kept, so pressing C moves
+    // between the two items and Enter picks one.
+    addItem(view, "mnuViewScope", "S&cope", &TopLevel::toggleScope)->setCheckable(true);
 }
 
 void TopLevel::buildDeviceMenus() {

@@ -134,8 +134,11 @@ public:
     // A measurement was started and the spectrum it ended with has not been read since.
     bool finalReadPending() const { return m_finalReadPending; }
     // The record now shows a spectrum opened from a file: a stopped measurement whose
-    // spectrum was never read is no longer read into it.
-    void fileOpened() { m_finalReadPending = false; }
+    // spectrum was never read is no longer read into it, and its notice is dropped.
+    void fileOpened() {
+        m_finalReadPending = false;
+        m_texts.notice.clear();
+    }
     int32_t lastReadError() const { return m_lastReadError; }
 
     // The spectrum and status of the device just opened, shown at once rather than at
@@ -173,6 +176,8 @@ public:
     int32_t lastPollError() const { return m_lastPollError; }
     // Acquisition mode the device reported at the latest poll (0 PHA, 1 MCS).
     int32_t deviceMode() const { return m_deviceMode; }
+    // HV word (id 22) of the latest successful poll.
+    int32_t hvState() const { return m_hvState; }
 
     const std::string& deviceSerial() const { return m_deviceSerial; }
     DeviceLibrary& library() { return m_lib; }

@@ -286,7 +286,14 @@ void Settings::showHVState() {
     int32_t word = 0;
     const int32_t status =
         m_doc.hDevice != 0 ? m_lib.getParam(m_doc.hDevice, DeviceParamId::HVState, word) : -1;
-    m_hvState->setText(status == 0 ? HVStateText(word) : "Unknown");
+    if (status == 0)
+        setHVState(word);
+    else
+        m_hvState->setText("Unknown");
+}
+
+void Settings::setHVState(int32_t hvWord) {
+    m_hvState->setText(HVStateText(hvWord));
 }
 
 void Settings::collect() {

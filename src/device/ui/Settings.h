@@ -35,6 +35,8 @@ public:
     // Only what follows the spectrum's calibration (the discriminator energies), so that a
     // new calibration shows here without discarding edits not yet applied.
     void refreshCalibration();
+    // The state field from an HV word polled elsewhere (the refresh tick keeps it live).
+    void setHVState(int32_t hvWord);
     void cmdApply();
     void cmdStore();
     void cmdAdvanced();

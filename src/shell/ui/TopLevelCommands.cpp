@@ -57,9 +57,11 @@ bool TopLevel::openSpectrum(const QString& path) {
     }
     if (m_acq)
         m_acq->fileOpened();
-    setWindowTitle("Vexo - " + QString::fromStdString(m_doc.szFileName));
+    m_shown = SpectrumShown::File;
+    showNotice(QString::fromStdString(r.notice)); // reading on regardless, as always
     addRecentFile(path);
     m_zoom = {false, 0, m_doc.lChannels - 1};
+    m_plot42->clearMarkedRange(); // a mark made on the previous spectrum
     for (RefreshCode code : kOpenRefreshCodes)
         RefreshMainWindow(code);
     if (m_xUnit != XUnit::Channels)
@@ -142,6 +144,7 @@ void TopLevel::zoomIn() {
 void TopLevel::zoomOut() {
     if (!vexo::ZoomOut(m_zoom, m_doc.lChannels))
         return;
+    m_plot42->clearMarkedRange(); // the next zoom starts from a fresh mark
     layoutPlots();
     DisplaySpectrum();
     UpdateMenu();

@@ -3,6 +3,7 @@
 // and reopening the file; batches; the start-up connection to the last detector.
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QDoubleSpinBox>
@@ -56,6 +57,16 @@ class DeviceWindowsTest : public QObject, public UiFixture {
         QVERIFY(shown > 0);
     }
 
+    // Points the simulated analyser at a model-10 configuration with `extra` keys, written
+    // to `name`; returns the configuration in use before, to be put back.
+    QByteArray useModel10With(const char* name, const std::string& extra) {
+        const QByteArray previous = qgetenv("VEXO_SIM_CONFIG");
+        const std::filesystem::path file = dir() / name;
+        test::WriteBytes(file, test::SimConfigText(dir() / "sim", test::Model10(extra)));
+        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(file.string()));
+        return previous;
+    }
+
 private slots:
     void initTestCase() { QVERIFY(setUp()); }
     void init() { m_messages.clear(); }
@@ -68,6 +79,7 @@ private slots:
         QVERIFY2(w.document().hDevice != 0, "the simulated analyser did not open");
         QCOMPARE(w.panelText(StatusPanel::Connection),
                  QString("Connected to KORV MCA-10 S/N 10230417"));
+        QCOMPARE(w.windowTitle(), QString("Vexo - KORV MCA-10 S/N 10230417 (live)"));
         QVERIFY(enabled(w, "tbStart"));
         QVERIFY(!enabled(w, "tbStop"));
         QVERIFY(!enabled(w, "tbConnect"));
@@ -143,18 +155,67 @@ private slots:
         const auto counts = w.document().lCounts;
         const int channels = w.document().lChannels;
 
-        w.action("mnuFileDisconnect")->trigger();
+        w.action("mnuFileDisconnect")->trigger(); // the voltage is on: asked, left on
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].buttons, MsgButtons::YesNoDefaultNo);
+        m_messages.clear();
         QCOMPARE(w.document().hDevice, 0);
         QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
         QVERIFY(!w.refreshTimer().isActive());
 
         w.document().lCounts.fill(0);
         QVERIFY(w.openSpectrum(saved));
+        QCOMPARE(w.windowTitle(), QString("Vexo - measured.spe"));
         QCOMPARE(w.document().lChannels, channels);
         for (int ch = 0; ch < channels; ++ch)
             QCOMPARE(w.document().lCounts[ch], counts[ch]);
         QVERIFY2(m_messages.shown().empty(),
                  m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    // The high voltage in the status bar and the settings window, tick by tick, and the
+    // questions before starting with it off and before letting go of the device with it on.
+    void highVoltageWatchedAndAskedAbout() {
+        const QByteArray healthy = useModel10With("KORVHW-ramp.ini", "HVRampSeconds=2");
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V on"));
+        w.showMcaSettings();
+        auto* hvOn = qobject_cast<QCheckBox*>(w.settingsWindow()->control("chkHVOn"));
+        auto* state = qobject_cast<QLabel*>(w.settingsWindow()->control("lblHVState"));
+        hvOn->setChecked(false);
+        w.settingsWindow()->cmdApply();
+        w.acquisition()->tick();
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V off"));
+        w.startAcquisition(); // asked; the default answer No leaves it stopped
+        QCOMPARE(m_messages.shown().back().text, std::string("High voltage is off: start anyway?"));
+        QVERIFY(!w.acquisition()->bAcqActive());
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        w.startAcquisition();
+        QVERIFY(w.acquisition()->bAcqActive());
+        w.stopAcquisition();
+        hvOn->setChecked(true);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(state->text(), QString("Ramping"));
+        for (int i = 0; i < 6; ++i)
+            w.acquisition()->tick();
+        QCOMPARE(state->text(), QString("On")); // live, without reopening the window
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V on"));
+        m_messages.clear();
+        m_messages.queueAnswer(MsgAnswer::Yes); // switch it off before disconnecting
+        w.disconnectDevice();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("High voltage is on: switch it off before disconnecting?"));
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V off"));
+        qputenv("VEXO_SIM_CONFIG", healthy);
+        m_messages.clear();
+        w.close(); // off: nothing to ask
+        QVERIFY(m_messages.shown().empty());
     }
 
     // Each tick's ROI read-out shows the figures of the spectrum read in that tick, not
@@ -324,11 +385,7 @@ private slots:
     // The link drops while acquiring: one message, the disconnected state, and a later
     // Connect (to a device without the fault) works.
     void lostDeviceDuringAcquisition() {
-        const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
-        const std::filesystem::path faulty = dir() / "KORVHW-drops.ini";
-        test::WriteBytes(faulty,
-                         test::SimConfigText(dir() / "sim", test::Model10("DisconnectAfter=3")));
-        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(faulty.string()));
+        const QByteArray healthy = useModel10With("KORVHW-drops.ini", "DisconnectAfter=3");
         TopLevel w(dir(), &m_messages);
         w.show();
         pickFirstDeviceSoon();
@@ -449,14 +506,23 @@ private slots:
 
     void emptyDeviceListRefusesOpen() {
         TopLevel w(dir(), &m_messages);
-        QTimer::singleShot(0, [] {
+        bool searching = false;
+        QString type;
+        QTimer::singleShot(0, [&searching, &type] {
             auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
             if (!list)
                 return;
             list->cmdOpen(); // no tick yet: the list is empty
+            searching = list->searchingLabel()->isVisibleTo(list);
+            list->tmrSearch();
+            list->tmrSearch(); // rows lag one tick behind the search
+            searching = searching && !list->searchingLabel()->isVisibleTo(list);
+            type = list->lvDevices()->topLevelItem(0)->text(4);
             list->reject();
         });
         w.connectDevice();
+        QVERIFY(searching); // shown while the list is empty, gone with the first row
+        QCOMPARE(type, QString("USB"));
         QCOMPARE(w.document().hDevice, 0);
         // Start-up may also have said that the report styles file is missing.
         int listEmpty = 0;

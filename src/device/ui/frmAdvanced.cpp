@@ -14,6 +14,36 @@
 
 namespace vexo {
 
+namespace {
+
+// The filter settings shown as plain boxes of device steps.
+struct FilterField {
+    const char* label;
+    const char* name;
+    int lo, hi;
+    int32_t SpectrumDocument::*field;
+    int32_t capability;
+    const char* suffix;
+    const char* tip;
+};
+
+const FilterField kFilterFields[] = {
+    {"Live-time trim:", "txtLTTrim", -512, 511, &SpectrumDocument::lLTTrim, kCapLTTrim, " steps",
+     "Fine correction of the live-time clock, in device steps (-512 to 511)"},
+    {"Analog pole/zero:", "txtAnalogPZ", 0, 4095, &SpectrumDocument::lAnalogPZ, kCapAnalogPZ,
+     " steps", "Pole/zero cancellation of the analog input stage, in device steps (0 to 4095)"},
+    {"BLR rate (0 slow - 3 fast):", "txtBLRRate", 0, 3, &SpectrumDocument::lBLRRate, kCapBLRRate,
+     "", "How fast the baseline restorer follows the baseline: 0 slowest, 3 fastest"},
+    {"PUR guard:", "txtPURGuard", 0, 7, &SpectrumDocument::lPURGuard, kCapPURGuard, " steps",
+     "Time a pulse must stand clear of the next before the pile-up rejector accepts it, in "
+     "device steps (0 to 7)"},
+    {"TRP guard:", "txtTRPGuard", 0, 7, &SpectrumDocument::lTRPGuard, kCapTRPGuard, " steps",
+     "Time after a reset of a transistor-reset preamplifier during which pulses are ignored, "
+     "in device steps (0 to 7)"},
+};
+
+} // namespace
+
 frmAdvanced::frmAdvanced(DeviceLibrary& lib, SpectrumDocument& doc, QWidget* parent)
     : QDialog(parent), m_lib(lib), m_doc(doc) {
     setWindowTitle("Advanced settings");
@@ -36,24 +66,9 @@ frmAdvanced::frmAdvanced(DeviceLibrary& lib, SpectrumDocument& doc, QWidget* par
                            "The external inhibit input may switch the high voltage off"));
     form->addRow("", check("chkHVInhibitNeg", "HV inhibit active low", doc.bHVInhibitNeg != 0,
                            kCapHVInhibit, "The inhibit input is active when it is low"));
-    form->addRow("Live-time trim:",
-                 spin("txtLTTrim", -512, 511, doc.lLTTrim, kCapLTTrim, " steps",
-                      "Fine correction of the live-time clock, in device steps (-512 to 511)"));
-    form->addRow("Analog pole/zero:",
-                 spin("txtAnalogPZ", 0, 4095, doc.lAnalogPZ, kCapAnalogPZ, " steps",
-                      "Pole/zero cancellation of the analog input stage, in device steps "
-                      "(0 to 4095)"));
-    form->addRow("BLR rate (0 slow - 3 fast):",
-                 spin("txtBLRRate", 0, 3, doc.lBLRRate, kCapBLRRate, "",
-                      "How fast the baseline restorer follows the baseline: 0 slowest, 3 fastest"));
-    form->addRow("PUR guard:",
-                 spin("txtPURGuard", 0, 7, doc.lPURGuard, kCapPURGuard, " steps",
-                      "Time a pulse must stand clear of the next before the pile-up rejector "
-                      "accepts it, in device steps (0 to 7)"));
-    form->addRow("TRP guard:",
-                 spin("txtTRPGuard", 0, 7, doc.lTRPGuard, kCapTRPGuard, " steps",
-                      "Time after a reset of a transistor-reset preamplifier during which "
-                      "pulses are ignored, in device steps (0 to 7)"));
+    for (const FilterField& f : kFilterFields)
+        form->addRow(f.label,
+                     spin(f.name, f.lo, f.hi, doc.*f.field, f.capability, f.suffix, f.tip));
     auto* digital = new QComboBox;
     digital->setObjectName("cmbDigitalGain");
     digital->setToolTip("Gain applied to the digitised pulse heights, after the coarse and fine "
@@ -101,11 +116,8 @@ void frmAdvanced::cmdOk() {
     m_doc.bGPIO2Neg = on("chkGPIO2Neg");
     m_doc.lHVInhibitEnable = on("chkHVInhibit");
     m_doc.bHVInhibitNeg = on("chkHVInhibitNeg");
-    m_doc.lLTTrim = value("txtLTTrim");
-    m_doc.lAnalogPZ = value("txtAnalogPZ");
-    m_doc.lBLRRate = value("txtBLRRate");
-    m_doc.lPURGuard = value("txtPURGuard");
-    m_doc.lTRPGuard = value("txtTRPGuard");
+    for (const FilterField& f : kFilterFields)
+        m_doc.*f.field = value(f.name);
     m_doc.lDigitalGain = findChild<QComboBox*>("cmbDigitalGain")->currentIndex();
     if (m_doc.hDevice != 0) {
         WriteAllParams(m_lib, m_doc); // the digital gain travels with the main settings

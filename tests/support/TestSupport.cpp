@@ -1,7 +1,6 @@
 #include "TestSupport.h"
 
 #include <atomic>
-#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -74,57 +73,18 @@ std::string Quoted(const std::string& text) {
     return q + "'";
 }
 
-namespace {
-
-// The shell command of one vexo-cli run, its output going to files in `dir`.
-std::string CliCommandLine(const std::string& args, const std::string& env, const TempDir& dir) {
-    return "env VEXO_TICK_MS=0 " + env + " " + Quoted((BinDir() / "vexo-cli").string()) + " " +
-           args + " >" + Quoted((dir / "out").string()) + " 2>" + Quoted((dir / "err").string());
-}
-
-CliRun Finished(int status, const TempDir& dir) {
+CliRun RunCli(const std::string& args, const std::string& env, const std::filesystem::path& cwd) {
+    TempDir dir;
+    const std::string command =
+        (cwd.empty() ? "" : "cd " + Quoted(cwd.string()) + " && ") +
+        "timeout 60 env VEXO_TICK_MS=0 " + env + " " + Quoted((BinDir() / "vexo-cli").string()) +
+        " " + args + " >" + Quoted((dir / "out").string()) + " 2>" + Quoted((dir / "err").string());
+    const int status = std::system(command.c_str());
     CliRun run;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     run.out = ReadBytes(dir / "out");
     run.err = ReadBytes(dir / "err");
     return run;
-}
-
-} // namespace
-
-CliRun RunCli(const std::string& args, const std::string& env, const std::filesystem::path& cwd) {
-    TempDir dir;
-    const std::string folder = cwd.empty() ? "" : "cd " + Quoted(cwd.string()) + " && ";
-    return Finished(std::system((folder + "timeout 60 " + CliCommandLine(args, env, dir)).c_str()),
-                    dir);
-}
-
-CliChild::CliChild(const std::string& args, const std::string& env) {
-    // `exec` leaves the child's process id to vexo-cli itself, the receiver of signals.
-    const std::string command = "exec " + CliCommandLine(args, env, m_dir);
-    m_pid = ::fork();
-    if (m_pid == 0) {
-        ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
-        ::_exit(127);
-    }
-}
-
-CliChild::~CliChild() {
-    if (m_pid > 0) {
-        ::kill(m_pid, SIGKILL);
-        ::waitpid(m_pid, nullptr, 0);
-    }
-}
-
-void CliChild::signal(int signalNumber) const {
-    ::kill(m_pid, signalNumber);
-}
-
-CliRun CliChild::wait() {
-    int status = 0;
-    ::waitpid(m_pid, &status, 0);
-    m_pid = -1;
-    return Finished(status, m_dir);
 }
 
 CliRun Cli(const std::vector<std::string>& args) {

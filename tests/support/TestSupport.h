@@ -57,30 +57,13 @@ struct CliRun {
 
 // Runs vexo-cli with `args` (shell words, quoted by the caller where needed), without
 // the wall-clock pause between its polls and for at most 60 s. `env` goes in front of
-// the command ("NAME=value ..."); `cwd`, when given, is its current folder.
+// the command ("NAME=value ...", or a program that runs vexo-cli, such as "timeout 1");
+// `cwd`, when given, is its current folder.
 CliRun RunCli(const std::string& args, const std::string& env = "",
               const std::filesystem::path& cwd = {});
 // `text` as one shell word.
 std::string Quoted(const std::string& text);
 // RunCli with each argument quoted as one shell word.
 CliRun Cli(const std::vector<std::string>& args);
-
-// vexo-cli started in the background, as RunCli starts it but with `env` (for example
-// "VEXO_TICK_MS=5") and no time limit, so that a test can signal it while it runs. A
-// child still running when the object dies is killed.
-class CliChild {
-public:
-    CliChild(const std::string& args, const std::string& env);
-    ~CliChild();
-    CliChild(const CliChild&) = delete;
-    CliChild& operator=(const CliChild&) = delete;
-    void signal(int signalNumber) const;
-    // Waits for the end; exitCode is -1 when a signal ended it.
-    CliRun wait();
-
-private:
-    TempDir m_dir;
-    int m_pid = -1;
-};
 
 } // namespace vexo::test

@@ -16,13 +16,13 @@
 #include <QTest>
 #include <QTimer>
 #include <fstream>
+#include <ranges>
 
 #include "UiTestSupport.h"
 #include "device/AcquisitionController.h"
 #include "device/BatchController.h"
 #include "device/ui/Scope.h"
 #include "device/ui/Settings.h"
-#include "device/ui/frmAdvanced.h"
 #include "device/ui/frmBatch.h"
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
@@ -301,18 +301,18 @@ private slots:
         w.close();
     }
 
-    // Every parameter the device holds (ids 5-51 without the live values and the
-    // write-only words), as raw bytes with the read status.
-    static std::vector<QByteArray> deviceParameters(TopLevel& w) {
-        std::vector<QByteArray> values;
-        for (int id = 5; id <= 51; ++id) {
-            if (id == 23 || id == 24 || id == 27 || id == 35)
-                continue;
-            char buffer[64] = {};
-            const int32_t rc = w.acquisition()->library().getParam(
-                w.document().hDevice, static_cast<DeviceParamId>(id), buffer, sizeof buffer);
-            values.push_back(QByteArray::number(id) + ":" + QByteArray::number(rc) + ":" +
-                             QByteArray(buffer, 12).toHex());
+    // Every setting the device holds (ids 5-51 but the live values and write-only words),
+    // each as its read status and raw bytes.
+    static QStringList deviceParameters(TopLevel& w) {
+        QStringList values;
+        for (int id : std::views::iota(5, 52)) {
+            char raw[64] = {};
+            if (id != 23 && id != 24 && id != 27 && id != 35)
+                values << QString("%1:%2:%3")
+                              .arg(id)
+                              .arg(w.acquisition()->library().getParam(
+                                  w.document().hDevice, DeviceParamId(id), raw, sizeof raw))
+                              .arg(QByteArray(raw, 12).toHex());
         }
         return values;
     }
@@ -326,26 +326,20 @@ private slots:
         QVERIFY(w.document().hDevice != 0);
         w.showMcaSettings();
         w.settingsWindow()->cmdApply(); // the settings as the window writes them
-        const std::vector<QByteArray> before = deviceParameters(w);
-        const QString other = writeSpectrum("model06.spe", true, [](SpectrumDocument& d) {
+        const QStringList before = deviceParameters(w);
+        w.settingsWindow()->close();
+        QApplication::processEvents(); // MCA > Setup opens a new window after File > Open
+        QVERIFY(w.openSpectrum(writeSpectrum("model06.spe", true, [](SpectrumDocument& d) {
             d.szDeviceSerial = "06110108"; // a fine-gain range of 4095 steps
             d.lFineGain = 4095;
             d.lCoarseGain = 5;
-            d.sngHighVoltage = 1200.0f;
-            d.lLLD = 20;
             d.lULD = 300;
-            d.lPresetMode = 3;
             d.sngPresetTime = 7.0f;
-        });
-        w.settingsWindow()->close();
-        QApplication::processEvents();
-        QVERIFY(w.openSpectrum(other));
+        })));
         w.showMcaSettings();
         w.settingsWindow()->cmdApply();
         w.settingsWindow()->cmdApply();
-        const std::vector<QByteArray> after = deviceParameters(w);
-        for (std::size_t i = 0; i < before.size(); ++i)
-            QCOMPARE(after[i], before[i]);
+        QCOMPARE(deviceParameters(w), before);
         QCOMPARE(w.document().lFineGain, 4095); // the file's snapshot stays on show
         w.close();
     }
@@ -372,13 +366,6 @@ private slots:
                  std::string("The LLD (channel 600) must be below the ULD (channel 600). "
                              "Nothing was applied."));
         QCOMPARE(w.document().lLLD, 0);
-        // Every field of the advanced settings says what it is.
-        frmAdvanced advanced(w.acquisition()->library(), w.document());
-        for (QWidget* field : advanced.findChildren<QWidget*>())
-            if (qobject_cast<QAbstractSpinBox*>(field) || qobject_cast<QAbstractButton*>(field) ||
-                qobject_cast<QComboBox*>(field))
-                QVERIFY2(!field->toolTip().isEmpty() || field->objectName().isEmpty(),
-                         qPrintable(field->objectName()));
         w.close();
     }
 

@@ -127,6 +127,7 @@ void AcquisitionController::clear() {
         }
         m_bAcqActive = true;
         m_bCleared = false;
+        m_finalReadPending = true; // a new measurement, whose end is still to be read
     }
 }
 

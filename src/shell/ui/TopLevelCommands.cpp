@@ -10,6 +10,7 @@
 #include "base/DateTime.h"
 #include "base/DialogFilter.h"
 #include "base/Messages.h"
+#include "device/AcquisitionController.h"
 #include "device/ExternalProcessing.h"
 #include "plot/ui/SpectrumPlot.h"
 #include "roi/RoiFile.h"
@@ -54,6 +55,8 @@ bool TopLevel::openSpectrum(const QString& path) {
         DisplaySpectrum(); // the ROIs and calibration were reset before reading
         return false;
     }
+    if (m_acq)
+        m_acq->fileOpened();
     m_shown = SpectrumShown::File;
     showNotice(QString::fromStdString(r.notice)); // reading on regardless, as always
     addRecentFile(path);
@@ -76,6 +79,11 @@ bool TopLevel::saveSpectrum(const QString& path) {
 }
 
 bool TopLevel::saveAllSpectrum(const QString& path) {
+    // After a run only a spectrum read once the device stopped is the measurement's.
+    if (m_acq && m_doc.hDevice != 0 && !m_acq->bAcqActive() && !m_acq->readFinalSpectrum()) {
+        m_messages->exclamation(FinalReadFailedText(m_acq->lastReadError(), path.toStdString()));
+        return false;
+    }
     if (!SaveAllSpectrum(m_doc, path.toStdString(), *m_messages))
         return false;
     addRecentFile(path);

@@ -157,6 +157,9 @@ void TopLevel::showAcquisitionTexts() {
     setPanelText(StatusPanel::Status, QString::fromStdString(t.status));
     setPanelText(StatusPanel::Preset, QString::fromStdString(t.preset));
     setPanelText(StatusPanel::Elapsed, QString::fromStdString(t.elapsed));
+    // Kept in view while it holds (a failing read, an empty run with the high voltage off).
+    if (!t.notice.empty())
+        showNotice(QString::fromStdString(t.notice));
     setPanelText(StatusPanel::CountRate, QString::fromStdString(t.countRate));
     setPanelText(StatusPanel::Icr, QString::fromStdString(t.icr));
     setPanelText(StatusPanel::HighVoltage,
@@ -261,7 +264,7 @@ void TopLevel::showBatch() {
     if (initial.szBatchDir.empty())
         initial.szBatchDir = m_settings.BatchDataDir;
     frmBatch dialog(
-        initial, *m_messages,
+        initial, m_doc.szSpectrumID, *m_messages,
         [this](const BatchSettings& s) {
             if (!ConfirmStartWithHV(*m_lib, m_doc, *m_messages))
                 return;

@@ -16,6 +16,7 @@
 #include <QTest>
 #include <QTimer>
 #include <fstream>
+#include <ranges>
 
 #include "UiTestSupport.h"
 #include "device/AcquisitionController.h"
@@ -297,6 +298,74 @@ private slots:
         QVERIFY(before != "300.0 keV");
         QCOMPARE(lldEnergy->text(), QString("300.0 keV"));
         QCOMPARE(lld->value(), 100); // the edit not yet applied is kept
+        w.close();
+    }
+
+    // Every setting the device holds (ids 5-51 but the live values and write-only words),
+    // each as its read status and raw bytes.
+    static QStringList deviceParameters(TopLevel& w) {
+        QStringList values;
+        for (int id : std::views::iota(5, 52)) {
+            char raw[64] = {};
+            if (id != 23 && id != 24 && id != 27 && id != 35)
+                values << QString("%1:%2:%3")
+                              .arg(id)
+                              .arg(w.acquisition()->library().getParam(
+                                  w.document().hDevice, DeviceParamId(id), raw, sizeof raw))
+                              .arg(QByteArray(raw, 12).toHex());
+        }
+        return values;
+    }
+
+    // A spectrum from another analyser opened while connected: its settings snapshot and
+    // serial go into the record, but MCA > Setup and Apply keep to the device's own.
+    void openWhileConnectedThenApplyLeavesTheDevice() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.showMcaSettings();
+        w.settingsWindow()->cmdApply(); // the settings as the window writes them
+        const QStringList before = deviceParameters(w);
+        w.settingsWindow()->close();
+        QApplication::processEvents(); // MCA > Setup opens a new window after File > Open
+        QVERIFY(w.openSpectrum(writeSpectrum("model06.spe", true, [](SpectrumDocument& d) {
+            d.szDeviceSerial = "06110108"; // a fine-gain range of 4095 steps
+            d.lFineGain = 4095;
+            d.lCoarseGain = 5;
+            d.lULD = 300;
+            d.sngPresetTime = 7.0f;
+        })));
+        w.showMcaSettings();
+        w.settingsWindow()->cmdApply();
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(deviceParameters(w), before);
+        QCOMPARE(w.document().lFineGain, 4095); // the file's snapshot stays on show
+        w.close();
+    }
+
+    // The discriminators are channels of the chosen count, and an LLD at or above the
+    // ULD is refused before anything is written.
+    void discriminatorsKeepToTheChannelCount() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        // The device's power-up answer, above the 1024 channels in use.
+        w.acquisition()->library().setParam(w.document().hDevice, DeviceParamId::ULD, 16383);
+        w.showMcaSettings();
+        const auto box = [&w](const char* name) {
+            return qobject_cast<QSpinBox*>(w.settingsWindow()->control(name));
+        };
+        QCOMPARE(box("txtULD")->value(), 1023);
+        box("txtLLD")->setValue(600);
+        box("txtULD")->setValue(600);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("The LLD (channel 600) must be below the ULD (channel 600). "
+                             "Nothing was applied."));
+        QCOMPARE(w.document().lLLD, 0);
         w.close();
     }
 

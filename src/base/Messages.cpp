@@ -9,6 +9,7 @@ MsgAnswer DefaultAnswer(MsgButtons buttons) {
     case MsgButtons::Ok:
         return MsgAnswer::Ok;
     case MsgButtons::YesNo:
+    case MsgButtons::YesNoDefaultNo:
         return MsgAnswer::No;
     case MsgButtons::OkCancel:
     case MsgButtons::YesNoCancel:

@@ -9,7 +9,9 @@
 namespace vexo {
 
 enum class MsgIcon { None, Critical, Question, Exclamation, Information };
-enum class MsgButtons { Ok, OkCancel, YesNo, YesNoCancel, RetryCancel };
+// YesNoDefaultNo: Yes and No with No on the Enter key, for questions whose careful answer
+// is to leave things as they are.
+enum class MsgButtons { Ok, OkCancel, YesNo, YesNoCancel, RetryCancel, YesNoDefaultNo };
 enum class MsgAnswer { Ok, Cancel, Yes, No, Retry };
 
 struct Message {

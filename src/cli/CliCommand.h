@@ -37,4 +37,9 @@ struct Failure {
     std::string message;
 };
 
+// Thrown when SIGINT or SIGTERM ended a command; main exits with 128 + the signal.
+struct Interrupted {
+    int signal;
+};
+
 } // namespace vexo::cli

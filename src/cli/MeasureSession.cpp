@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <chrono>
+#include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -10,12 +12,19 @@
 
 #include "CliCommand.h"
 #include "CliHelpers.h"
+#include "base/NumberText.h"
 #include "device/AcquisitionController.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceIO.h"
 
 namespace vexo::cli {
 namespace {
+
+volatile std::sig_atomic_t g_signal = 0;
+
+extern "C" void NoteSignal(int signal) {
+    g_signal = signal;
+}
 
 int32_t ToInt(const std::string& text, const std::string& what) {
     int32_t v = 0;
@@ -29,8 +38,8 @@ float ToFloat(const std::string& text, const std::string& what) {
     float v = 0;
     const auto r = std::from_chars(text.data(), text.data() + text.size(), v);
     if (text.empty() || r.ec != std::errc() || r.ptr != text.data() + text.size() ||
-        !(v >= 0.0f || v < 0.0f))
-        throw UsageError{what + ": '" + text + "' is not a number"};
+        !std::isfinite(v))
+        throw UsageError{what + ": '" + text + "' is not a finite number"};
     return v;
 }
 
@@ -85,7 +94,65 @@ const std::map<std::string, FloatField>& FloatFields() {
     return fields;
 }
 
+// A record field named as --set names it, as text; of the HV word only the on bit counts
+// (the device adds its ramping and inhibit bits).
+std::string FieldText(const SpectrumDocument& doc, const std::string& name) {
+    if (const auto it = IntFields().find(name); it != IntFields().end())
+        return std::to_string(name == "lHVOn" ? doc.*(it->second) & kHVOn : doc.*(it->second));
+    return SingleToText(doc.*(FloatFields().at(name)));
+}
+
+// One setting a measurement depends on, as the device must hold it.
+struct InForce {
+    DeviceParamId id;
+    std::string name;
+    double asked;
+    bool real; // a 32-bit float on the wire
+};
+
+std::vector<InForce> PresetAndMode(const SpectrumDocument& asked) {
+    using Id = DeviceParamId;
+    std::vector<InForce> checks{{Id::AcqMode, "lMCSMode", double(asked.lMCSMode), false}};
+    if (asked.lMCSMode != 0) {
+        checks.push_back({Id::PresetValue, "sngDwellTime", asked.sngDwellTime, true});
+    } else if ((asked.lCapabilities & kCapPresetMode) == 0) {
+        checks.push_back({Id::PresetModeLegacy, "the legacy preset word",
+                          double(LegacyPresetWord(asked.sngPresetTime)), false});
+        checks.push_back({Id::PresetValue, "sngPresetTime", asked.sngPresetTime, true});
+    } else {
+        checks.push_back({Id::PresetMode, "lPresetMode", double(asked.lPresetMode), false});
+        if (asked.lPresetMode & kPresetTimeActive)
+            checks.push_back({Id::PresetValue, "sngPresetTime", asked.sngPresetTime, true});
+        if (asked.lPresetMode & kPresetCountsActive) {
+            checks.push_back(
+                {Id::PresetCounts, "lPresetCounts", double(asked.lPresetCounts), false});
+            if (asked.lCapabilities & kCapPresetWindow) {
+                checks.push_back(
+                    {Id::PresetFirstCh, "lPresetFirstCh", double(asked.lPresetFirstCh), false});
+                checks.push_back(
+                    {Id::PresetLastCh, "lPresetLastCh", double(asked.lPresetLastCh), false});
+            }
+        }
+    }
+    return checks;
+}
+
+std::string ValueText(double value, bool real) {
+    return real ? SingleToText(static_cast<float>(value))
+                : std::to_string(static_cast<int64_t>(value));
+}
+
 } // namespace
+
+void CatchInterrupts() {
+    std::signal(SIGINT, NoteSignal);
+    std::signal(SIGTERM, NoteSignal);
+}
+
+void ThrowIfInterrupted() {
+    if (const int signal = g_signal)
+        throw Interrupted{signal};
+}
 
 PresetChoice ParsePreset(const std::string& text) {
     const auto parts = SplitArg(text, ':');
@@ -191,6 +258,8 @@ MeasureSession::MeasureSession(const DeviceOptions& options)
 
 MeasureSession::~MeasureSession() {
     if (m_library && m_doc->hDevice != 0) {
+        // A command that ends early (interrupted, failed) leaves no acquisition running.
+        m_library->stopAcquisition(m_doc->hDevice);
         const int32_t status = CloseMca(*m_library, *m_doc);
         if (status != 0)
             std::fprintf(stderr, "closing the device: %s\n", ErrorText(status).c_str());
@@ -234,9 +303,47 @@ void MeasureSession::applySettings() {
         SetRecordField(doc, name, value);
     if (m_options.hvOn)
         doc.lHVOn = kHVOn;
+    const auto asked = std::make_unique<SpectrumDocument>(doc);
     WriteAllParams(*m_library, doc);
+    ReadAllParams(*m_library, doc);
+    warnRefusedSets(*asked);
+    requirePresetInForce(*asked);
     if (m_options.hvOn)
         waitForHighVoltage();
+}
+
+void MeasureSession::warnRefusedSets(const SpectrumDocument& asked) const {
+    for (const auto& [name, value] : m_options.sets) {
+        const std::string held = FieldText(*m_doc, name);
+        if (held != FieldText(asked, name))
+            std::fprintf(stderr, "warning: the analyser refused %s=%s; it holds %s\n", name.c_str(),
+                         value.c_str(), held.c_str());
+    }
+}
+
+// Write-all ignores the device's answers, and a refused preset or mode would leave a
+// measurement that never ends (or ends at the wrong time): each is read back.
+void MeasureSession::requirePresetInForce(const SpectrumDocument& asked) {
+    for (const InForce& c : PresetAndMode(asked)) {
+        double held = 0.0;
+        int32_t status = 0;
+        if (c.real) {
+            float value = 0.0f;
+            status = m_library->getParam(m_doc->hDevice, c.id, value);
+            held = value;
+        } else {
+            int32_t value = 0;
+            status = m_library->getParam(m_doc->hDevice, c.id, value);
+            held = value;
+        }
+        if (status != 0)
+            throw Failure{"cannot read back " + c.name + " from the analyser (" +
+                          ErrorText(status) + "); the measurement was not started"};
+        if (held != c.asked)
+            throw Failure{"the analyser did not take " + c.name + " = " +
+                          ValueText(c.asked, c.real) + " (it holds " + ValueText(held, c.real) +
+                          "); the measurement was not started"};
+    }
 }
 
 void MeasureSession::waitForHighVoltage() {
@@ -257,6 +364,7 @@ void MeasureSession::waitForHighVoltage() {
         if (tick % 10 == 0)
             std::fprintf(stderr, "high voltage ramping\n");
         m_pacer.wait();
+        ThrowIfInterrupted();
     }
     throw Failure{"the high voltage is still ramping after 600 ticks"};
 }

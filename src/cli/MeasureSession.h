@@ -22,13 +22,21 @@ namespace vexo::cli {
 
 class ArgCursor;
 
+// Ctrl-C (SIGINT) and SIGTERM end a measuring command: the handler only notes the
+// signal, and the command notices it between ticks (so a file being written is finished
+// first) and throws Interrupted; the session then stops the acquisition and closes the
+// device, and main exits with 128 + the signal.
+void CatchInterrupts();
+// Throws Interrupted once a signal has arrived.
+void ThrowIfInterrupted();
+
 // --preset live:S | real:S | counts:N:FIRST:LAST | forever:S
 struct PresetChoice {
     enum class Kind { Live, Real, Counts, Forever } kind = Kind::Live;
     float seconds = 0.0f; // live, real, forever
     int32_t counts = 0, first = 0, last = 0;
 };
-// Throws UsageError for anything else.
+// Throws UsageError for anything else, non-finite times included.
 PresetChoice ParsePreset(const std::string& text);
 
 // --mcs DWELL:LOW:HIGH (dwell seconds per channel, SCA window channels).
@@ -74,7 +82,8 @@ private:
     int m_ms = 500;
 };
 
-// One open analyser with its record. Closes the device when destroyed.
+// One open analyser with its record. Stops any acquisition and closes the device when
+// destroyed.
 class MeasureSession {
 public:
     // Loads the library (Failure when it cannot) and opens options.device as the Connect
@@ -86,8 +95,12 @@ public:
     MeasureSession& operator=(const MeasureSession&) = delete;
 
     // Applies preset, MCS choice, --set values and the HV switch to the record, writes
-    // everything with write-all, and with --hv on waits (ticking) until the HV word no
-    // longer reports ramping. Failure when the ramp does not end in 600 ticks.
+    // everything with write-all (which does not look at the answers) and reads it all
+    // back, so the record holds what the device took: each --set value the device refused
+    // is warned about on stderr. Failure, before anything is started, when the mode or
+    // the preset in force is not the one asked for or cannot be read back. With --hv on
+    // waits (ticking) until the HV word no longer reports ramping; Failure when the ramp
+    // does not end in 600 ticks.
     void applySettings();
 
     DeviceLibrary& library() { return *m_library; }
@@ -99,6 +112,8 @@ public:
 
 private:
     void waitForHighVoltage();
+    void warnRefusedSets(const SpectrumDocument& asked) const;
+    void requirePresetInForce(const SpectrumDocument& asked);
 
     DeviceOptions m_options;
     std::unique_ptr<DeviceLibrary> m_library;

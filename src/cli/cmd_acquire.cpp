@@ -1,6 +1,9 @@
 // vexo-cli acquire: one measurement on one analyser, driven by the same acquisition
 // controller and refresh tick as the desktop, saved as a full spectrum file.
+#include <chrono>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -31,6 +34,10 @@ const char* kUsage =
     "                             sngHighVoltage=700, lChannels=4096 ...)\n"
     "  --mcs DWELL:LOW:HIGH       multichannel scaling: dwell seconds, SCA window\n"
     "  --json                     print the summary as one JSON object\n"
+    "The folder of FILE must exist and be writable; it is checked before measuring.\n"
+    "The command refuses to start (exit 1) when the analyser does not hold the preset or\n"
+    "mode asked for, and warns about each --set value it refused. Ctrl-C or SIGTERM stops\n"
+    "the measurement and closes the analyser without saving (exit 130 or 143).\n"
     "Progress goes to stderr. VEXO_TICK_MS sets the tick's wall time (default 500;\n"
     "0 for a simulated analyser on a step clock).";
 
@@ -63,6 +70,26 @@ Options ParseOptions(const std::vector<std::string>& args) {
     return o;
 }
 
+// The folder `file` goes into exists and takes a new file: checked before measuring, so
+// that a bad --out does not throw the measurement away.
+void RequireWritableFolder(const std::string& file) {
+    namespace fs = std::filesystem;
+    const fs::path path(file);
+    const fs::path folder = path.parent_path().empty() ? fs::path(".") : path.parent_path();
+    std::error_code ec;
+    if (!fs::is_directory(folder, ec))
+        throw Failure{"the folder of --out does not exist: " + folder.string()};
+    if (fs::is_directory(path, ec))
+        throw Failure{"--out names a folder: " + file};
+    const fs::path probe =
+        folder / (".vexo-probe-" +
+                  std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
+    const bool writable = static_cast<bool>(std::ofstream(probe));
+    fs::remove(probe, ec);
+    if (!writable)
+        throw Failure{"cannot write in the folder of --out: " + folder.string()};
+}
+
 // Ticks until the device stops by itself, or until the forever time has passed (then
 // the command stops it). False when the device was lost on the way.
 bool Measure(MeasureSession& session, AcquisitionController& acq, bool& lost) {
@@ -72,6 +99,7 @@ bool Measure(MeasureSession& session, AcquisitionController& acq, bool& lost) {
         return false;
     for (long tick = 1; acq.bAcqActive(); ++tick) {
         session.pacer().wait();
+        ThrowIfInterrupted();
         acq.tick();
         if (lost)
             return false;
@@ -81,8 +109,7 @@ bool Measure(MeasureSession& session, AcquisitionController& acq, bool& lost) {
                          acq.panelTexts().elapsed.c_str());
         if (preset.kind == PresetChoice::Kind::Forever && acq.bAcqActive() &&
             session.document().sngRealTime >= preset.seconds) {
-            acq.stop();
-            acq.readSpectrum(); // the counts up to the moment it stopped
+            acq.stop(); // the final read below takes the counts up to this moment
         }
     }
     return !lost;
@@ -111,6 +138,8 @@ void PrintSummary(const AcquisitionController& acq, const SpectrumDocument& doc,
 
 int Run(const std::vector<std::string>& args) {
     const Options o = ParseOptions(args);
+    RequireWritableFolder(o.out);
+    CatchInterrupts();
     MeasureSession session(o.device);
     session.applySettings();
     bool lost = false;
@@ -119,9 +148,18 @@ int Run(const std::vector<std::string>& args) {
     AcquisitionController acq(session.library(), session.document(), session.rois(),
                               session.messages(), hooks);
     acq.deviceConnected();
-    if (!Measure(session, acq, lost))
-        throw Failure{lost ? "the device was lost during the measurement; nothing was saved"
-                           : "the measurement could not be started"};
+    try {
+        if (!Measure(session, acq, lost))
+            throw Failure{lost ? "the device was lost during the measurement; nothing was saved"
+                               : "the measurement could not be started"};
+    } catch (const Interrupted&) {
+        std::fprintf(stderr, "the measurement was stopped; nothing was saved\n");
+        throw;
+    }
+    if (!acq.readFinalSpectrum())
+        throw Failure{FinalReadFailedText(acq.lastReadError(), o.out)};
+    if (!acq.panelTexts().notice.empty())
+        std::fprintf(stderr, "warning: %s\n", acq.panelTexts().notice.c_str());
     std::string error;
     if (!bSaveFullSpectrum(session.document(), o.out, &error))
         throw Failure{"Error saving file: " + error};

@@ -28,18 +28,23 @@ const char* kUsage =
     "started, until N are saved. Each saved file is printed on stdout.\n"
     "  --preset     live:S, real:S or counts:N:F:L (as for acquire)\n"
     "  --wait S     wait S whole seconds between measurements\n"
-    "  --clear      clear the spectrum between measurements\n"
+    "  --no-clear-first  do not clear the spectrum before the first measurement\n"
+    "  --no-clear   do not clear it between measurements (each one after the first\n"
+    "               then ends at once at the preset already reached; warned about)\n"
     "  --until-stop ignore --count; runs until interrupted (or 32767 files)\n"
     "  --process    run the external processing command of Vexo.ini after each save\n"
     "  --appdir DIR where Vexo.ini is (default: the application directory); with\n"
     "               --process the batch folder is remembered there as the desktop does\n"
+    "The sample ID and the tag may not hold a path separator or \"..\". A measurement\n"
+    "whose spectrum cannot be read after it stopped is reported, not saved, and counted\n"
+    "as failed. Ctrl-C or SIGTERM (the way to end --until-stop) stops after the file\n"
+    "being written, closes the analyser, prints the summary and exits with 130 or 143.\n"
     "Progress goes to stderr. VEXO_TICK_MS sets the tick's wall time (default 500).";
 
 struct Options {
     DeviceOptions device;
     BatchWindowFields fields;
     BatchSettings settings;
-    std::string sampleId;
     std::string appDir;
 };
 
@@ -53,17 +58,21 @@ bool ParseBatchOption(const std::string& a, ArgCursor& cursor, Options& o) {
         o.fields.wait = cursor.value(a);
         o.fields.waitChecked = true;
     } else if (a == "--clear") {
-        o.settings.bBatchClear = true;
+        o.settings.bBatchClear = true; // the default; kept for older scripts
+    } else if (a == "--no-clear") {
+        o.settings.bBatchClear = false;
+    } else if (a == "--no-clear-first") {
+        o.settings.bBatchClearFirst = false;
     } else if (a == "--until-stop") {
         o.fields.untilStop = true;
     } else if (a == "--sample-id") {
-        o.sampleId = cursor.value(a);
-        o.settings.bNameSampleID = true;
+        o.fields.sampleId = cursor.value(a);
+        o.fields.nameSampleId = true;
     } else if (a == "--timestamp") {
         o.settings.bNameTimeDate = true;
     } else if (a == "--tag") {
-        o.settings.szBatchTag = cursor.value(a);
-        o.settings.bNameTag = true;
+        o.fields.tag = cursor.value(a);
+        o.fields.nameTag = true;
     } else if (a == "--process") {
         o.settings.bBatchProc = true;
     } else if (a == "--appdir") {
@@ -98,6 +107,7 @@ int RunSequence(MeasureSession& session, AcquisitionController& acq, BatchContro
                 const bool& lost) {
     while (batch.bBatchMode() && !lost) {
         session.pacer().wait();
+        ThrowIfInterrupted();
         if (batch.waitTimerEnabled())
             batch.tmrBatchWait();
         acq.tick();
@@ -108,9 +118,12 @@ int RunSequence(MeasureSession& session, AcquisitionController& acq, BatchContro
 
 int Run(const std::vector<std::string>& args) {
     Options o = ParseOptions(args);
+    if (const std::string warning = BatchRepeatWarning(o.settings); !warning.empty())
+        std::fprintf(stderr, "warning: %s\n", warning.c_str());
+    CatchInterrupts();
     MeasureSession session(o.device);
     session.applySettings();
-    session.document().szSpectrumID = o.sampleId;
+    session.document().szSpectrumID = o.fields.sampleId;
 
     const std::filesystem::path appDir = ResolveAppDir(o.appDir, ExecutableDir());
     auto appSettings = std::make_unique<AppSettings>();
@@ -130,6 +143,9 @@ int Run(const std::vector<std::string>& args) {
         if (ok)
             std::printf("%s\n", path.c_str());
         std::fflush(stdout);
+        if (ok && !acq.panelTexts().notice.empty())
+            std::fprintf(stderr, "warning: %s: %s\n", path.c_str(),
+                         acq.panelTexts().notice.c_str());
     };
     if (o.settings.bBatchProc) {
         hooks.rememberBatchDir = [&](const std::string& dir) {
@@ -138,10 +154,19 @@ int Run(const std::vector<std::string>& args) {
         hooks.processSettings = [&] { return ProcessSettingsFrom(*appSettings); };
     }
     BatchController batch(acq, ExecutableDir().string(), hooks);
-    acq.clear();
     batch.begin(o.settings);
-    const int rc = RunSequence(session, acq, batch, lost);
-    std::fprintf(stderr, "%d file(s) saved, %d failed\n", saved, failed);
+    const auto summary = [&] {
+        std::fprintf(stderr, "%d file(s) saved, %d failed\n", saved, failed);
+    };
+    int rc = kExitOk;
+    try {
+        rc = RunSequence(session, acq, batch, lost);
+    } catch (const Interrupted&) {
+        batch.StopBatch(); // the session stops the acquisition and closes the device
+        summary();
+        throw;
+    }
+    summary();
     if (lost)
         throw Failure{"the device was lost during the batch"};
     return failed > 0 ? kExitFailure : rc;

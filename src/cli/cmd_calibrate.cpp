@@ -73,10 +73,11 @@ int Run(const std::vector<std::string>& args) {
                    {"lblSlope", result.lblSlope},
                    {"lblQuadratic", result.lblQuadratic}});
     } else {
-        std::printf("Offset = %s keV\nSlope = %s keV/chn\nQuadratic = %s keV/chn^2\n",
-                    DoubleToText(result.cal.dOffset).c_str(),
-                    DoubleToText(result.cal.dSlope).c_str(),
-                    DoubleToText(result.cal.dQuad).c_str());
+        // The coefficient lines of the dialog's acceptance question ("0.0000"), without
+        // its first and last lines.
+        const std::vector<std::string> lines = SplitArg(AcceptQuestionText(result.cal), '\n');
+        for (std::size_t i = 1; i + 1 < lines.size(); ++i)
+            std::printf("%s\n", lines[i].substr(0, lines[i].find('\r')).c_str());
     }
     return kExitOk;
 }

@@ -56,6 +56,9 @@ int main(int argc, char** argv) {
     } catch (const Failure& e) {
         std::fprintf(stderr, "vexo-cli %s: %s\n", argv[1], e.message.c_str());
         return kExitFailure;
+    } catch (const Interrupted& e) {
+        std::fprintf(stderr, "vexo-cli %s: interrupted\n", argv[1]);
+        return 128 + e.signal;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "vexo-cli %s: %s\n", argv[1], e.what());
         return kExitFailure;

@@ -5,6 +5,7 @@
 #include "base/DateTime.h"
 #include "base/NumberText.h"
 #include "device/ConnectionController.h"
+#include "device/DeviceIO.h"
 #include "spectrum/CountRate.h"
 
 namespace vexo {
@@ -13,6 +14,11 @@ bool IsConnectionLostCode(int32_t status) {
     // -1/-2 not connected, -9 connection closed, -15 invalid handle: no later call on
     // this handle can succeed. Send/receive failures may pass and are retried instead.
     return status == -1 || status == -2 || status == -9 || status == -15;
+}
+
+std::string FinalReadFailedText(int32_t error, const std::string& path) {
+    return "The spectrum could not be read after the measurement (" + ErrorText(error) + "); " +
+           path + " was not saved";
 }
 
 AcquisitionController::AcquisitionController(DeviceLibrary& lib, SpectrumDocument& doc,
@@ -57,8 +63,13 @@ bool AcquisitionController::start() {
     // record; the new measurement is this device's.
     m_doc.szDeviceName = m_deviceName;
     m_doc.szDeviceSerial = m_deviceSerial;
+    // Likewise its settings snapshot: the new measurement is taken with the device's.
+    if (m_doc.bFromFile)
+        ReadAllParams(m_lib, m_doc);
     m_bAcqActive = true;
     m_bCleared = false;
+    m_finalReadPending = true;
+    m_texts.notice.clear();
     refresh(RefreshCode::Acquisition);
     return true;
 }
@@ -101,6 +112,7 @@ void AcquisitionController::clear() {
     if (rc != 0)
         m_messages.critical(ErrorText(rc));
     m_bCleared = true;
+    m_finalReadPending = false; // nothing measured is left to read
     AcquisitionUpdate update;
     readSpectrumAndRois(update);
     update.statusPolled = DisplayStatus();
@@ -115,6 +127,7 @@ void AcquisitionController::clear() {
         }
         m_bAcqActive = true;
         m_bCleared = false;
+        m_finalReadPending = true; // a new measurement, whose end is still to be read
     }
 }
 
@@ -125,9 +138,14 @@ void AcquisitionController::tick() {
     AcquisitionUpdate update;
     if (m_bAcqActive) {
         update.statusPolled = DisplayStatus();
+        // Read after the poll: once it has found the device stopped, this read holds the
+        // measurement's last counts.
+        const bool stopped = update.statusPolled && !m_bAcqActive;
         readSpectrumAndRois(update);
+        if (stopped && update.spectrumRead)
+            finalSpectrumRead();
     } else {
-        update.statusPolled = checkStopped();
+        update.statusPolled = checkStopped(update);
     }
     announce(update);
     // The scope polls after the status and spectrum work of the same tick.
@@ -158,7 +176,25 @@ void AcquisitionController::announce(const AcquisitionUpdate& update) {
         m_hooks.updated(update);
 }
 
-bool AcquisitionController::checkStopped() {
+bool AcquisitionController::readFinalSpectrum(int attempts) {
+    for (int i = 0; m_finalReadPending && i < attempts && m_doc.hDevice != 0; ++i)
+        if (readSpectrum())
+            finalSpectrumRead();
+    return !m_finalReadPending;
+}
+
+void AcquisitionController::finalSpectrumRead() {
+    if (!m_finalReadPending)
+        return;
+    m_finalReadPending = false;
+    if ((m_hvState & kHVOn) != 0 || m_doc.lChannels < 1)
+        return;
+    const auto first = m_doc.lCounts.begin();
+    if (std::all_of(first, first + m_doc.lChannels, [](int32_t c) { return c == 0; }))
+        m_texts.notice = kNoCountsHvOff;
+}
+
+bool AcquisitionController::checkStopped(AcquisitionUpdate& update) {
     const bool polled = DisplayStatus();
     if (m_doc.hDevice == 0)
         return polled;
@@ -170,6 +206,12 @@ bool AcquisitionController::checkStopped() {
     }
     if (status != 0)
         return polled;
+    if (m_finalReadPending) {
+        // The read of the tick that found the device stopped failed: try again.
+        readSpectrumAndRois(update);
+        if (update.spectrumRead)
+            finalSpectrumRead();
+    }
     if (m_bBatchMode) {
         if (m_batch.doBatch)
             m_batch.doBatch();
@@ -232,9 +274,13 @@ bool AcquisitionController::readSpectrum() {
     const int32_t rc =
         m_lib.readSpectrum(m_doc.hDevice, buffer.data(), channels, realTime, liveTime);
     if (rc != 0) {
-        connectionLost(rc);
+        m_lastReadError = rc;
+        if (!connectionLost(rc))
+            m_texts.notice = kSpectrumReadFailed + ErrorText(rc);
         return false;
     }
+    if (m_texts.notice.rfind(kSpectrumReadFailed, 0) == 0)
+        m_texts.notice.clear();
     channels = std::clamp<int32_t>(channels, 0, MAX_CHANNELS);
     std::copy(buffer.begin(), buffer.end(), m_doc.lCounts.begin());
     m_doc.lChannels = channels;

@@ -37,7 +37,16 @@ struct AcquisitionPanelTexts {
     std::string elapsed;   // "Elapsed time (seconds): 1.5 live, 2.0 real (25.00% dead)"
     std::string countRate; // "123.4 cps"
     std::string icr;       // "ICR 150.0 cps"
+    // What the operator should know about the spectrum on show: "Spectrum read failed:
+    // " + the error text (the counts shown are the last good ones), or kNoCountsHvOff
+    // after a measurement that ended empty with the high voltage off; "" otherwise.
+    std::string notice;
 };
+
+constexpr const char* kSpectrumReadFailed = "Spectrum read failed: ";
+constexpr const char* kNoCountsHvOff = "No counts: the high voltage is off";
+// Reads tried before the spectrum of a stopped measurement is given up as unreadable.
+constexpr int kFinalReadAttempts = 5;
 
 // The figures behind the texts, from the latest spectrum read.
 struct AcquisitionReadings {
@@ -111,10 +120,26 @@ public:
     void clear();
 
     // One tmrRefresh tick; does nothing without a device. Running: status, spectrum and
-    // ROI figures. Stopped: status, then a status read; a device found stopped hands
-    // over to the batch (batch mode) or asks for code 2. Then the `updated` notice, and
-    // last the scopeCycle hook.
+    // ROI figures. Stopped: status, then a status read; a device found stopped whose
+    // final spectrum has not been read yet is read again, then it hands over to the batch
+    // (batch mode) or asks for code 2. Then the `updated` notice, and last the scopeCycle
+    // hook.
     void tick();
+
+    // The spectrum of a measurement that has stopped, as a file may take it: true when a
+    // read after the device stopped has succeeded, trying up to `attempts` more reads when
+    // none has yet. False leaves the last good counts in the record, which then belong to
+    // no finished measurement; lastReadError() says why. Call only with the device stopped.
+    bool readFinalSpectrum(int attempts = kFinalReadAttempts);
+    // A measurement was started and the spectrum it ended with has not been read since.
+    bool finalReadPending() const { return m_finalReadPending; }
+    // The record now shows a spectrum opened from a file: a stopped measurement whose
+    // spectrum was never read is no longer read into it, and its notice is dropped.
+    void fileOpened() {
+        m_finalReadPending = false;
+        m_texts.notice.clear();
+    }
+    int32_t lastReadError() const { return m_lastReadError; }
 
     // The spectrum and status of the device just opened, shown at once rather than at
     // the next tick: status poll, spectrum read, ROI figures, one `updated` notice.
@@ -151,6 +176,8 @@ public:
     int32_t lastPollError() const { return m_lastPollError; }
     // Acquisition mode the device reported at the latest poll (0 PHA, 1 MCS).
     int32_t deviceMode() const { return m_deviceMode; }
+    // HV word (id 22) of the latest successful poll.
+    int32_t hvState() const { return m_hvState; }
 
     const std::string& deviceSerial() const { return m_deviceSerial; }
     DeviceLibrary& library() { return m_lib; }
@@ -161,7 +188,7 @@ public:
 private:
     bool connectionLost(int32_t status);
     // The stopped branch of a tick; true when its status poll succeeded.
-    bool checkStopped();
+    bool checkStopped(AcquisitionUpdate& update);
     void noteDevice();
     void presetText();
     void elapsedTexts(int32_t mcsChannel, bool haveMcsChannel);
@@ -169,6 +196,9 @@ private:
     // Spectrum read, then the ROI figures of it; what was done is added to `update`.
     void readSpectrumAndRois(AcquisitionUpdate& update);
     void announce(const AcquisitionUpdate& update);
+    // A read after the device stopped succeeded: the record holds the measurement's
+    // spectrum. Warns when it is empty with the high voltage off.
+    void finalSpectrumRead();
 
     DeviceLibrary& m_lib;
     SpectrumDocument& m_doc;
@@ -195,7 +225,13 @@ private:
     std::vector<int32_t> m_scratch; // ReadSpectrum's target, KORVHW_SPECTRUM_SLOTS values
     int m_failedPolls = 0;
     int32_t m_lastPollError = 0;
+    bool m_finalReadPending = false;
+    int32_t m_lastReadError = 0;
 };
+
+// The report of a measurement whose spectrum could not be read after it stopped, so that
+// `path` was not written.
+std::string FinalReadFailedText(int32_t error, const std::string& path);
 
 // Library codes that mean the device is gone rather than that one call failed.
 bool IsConnectionLostCode(int32_t status);

@@ -42,11 +42,26 @@ void BatchController::resetCounters() {
 
 void BatchController::begin(const BatchSettings& settings) {
     m_settings = settings;
+    // A failed processing run may leave the current folder elsewhere (as the processing
+    // command does); the batch's folders are fixed now, so it cannot move them.
+    std::error_code ec;
+    m_startFolder = std::filesystem::current_path(ec);
+    m_settings.szBatchDir = absoluteFolder(settings.szBatchDir);
     if (m_hooks.rememberBatchDir)
-        m_hooks.rememberBatchDir(settings.szBatchDir);
+        m_hooks.rememberBatchDir(m_settings.szBatchDir);
     setWaitTimer(false);
     resetCounters();
+    // The device may still hold the spectrum of an earlier run, which would otherwise
+    // be saved as the first measurement.
+    if (m_settings.bBatchClearFirst && m_acq.connected())
+        m_acq.clear();
     DoBatch();
+}
+
+std::string BatchController::absoluteFolder(const std::string& folder) const {
+    if (folder.empty())
+        return folder;
+    return (m_startFolder / std::filesystem::path(folder)).lexically_normal().string();
 }
 
 void BatchController::DoBatch() {
@@ -89,15 +104,25 @@ void BatchController::saveMeasurement() {
     SpectrumDocument& doc = m_acq.document();
     ++m_nBatchIndex;
     m_lastFile = BatchFileName(m_settings, doc.szSpectrumID, m_nBatchIndex, m_acq.now());
+    // Only a spectrum read after the device stopped is this measurement's; the record
+    // may still hold an earlier read (or the previous measurement's).
+    if (!m_acq.readFinalSpectrum()) {
+        m_acq.messages().exclamation(FinalReadFailedText(m_acq.lastReadError(), m_lastFile));
+        if (m_hooks.fileSaved)
+            m_hooks.fileSaved(m_lastFile, false);
+        return;
+    }
     std::string error;
     const bool saved = bSaveFullSpectrum(doc, m_lastFile, &error);
     if (!saved)
         m_acq.messages().exclamation("Error saving file: " + error);
     if (m_hooks.fileSaved)
         m_hooks.fileSaved(m_lastFile, saved);
-    if (m_settings.bBatchProc && m_hooks.processSettings)
-        RunExternalProcessing(doc, m_hooks.processSettings(), m_acq.messages(), m_programFolder,
-                              m_acq.now());
+    if (m_settings.bBatchProc && m_hooks.processSettings) {
+        ProcessSettings process = m_hooks.processSettings();
+        process.szDataDir = absoluteFolder(process.szDataDir);
+        RunExternalProcessing(doc, process, m_acq.messages(), m_programFolder, m_acq.now());
+    }
 }
 
 void BatchController::startMeasurement() {

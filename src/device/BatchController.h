@@ -49,14 +49,18 @@ public:
 
     void setHooks(BatchHooks hooks) { m_hooks = std::move(hooks); }
 
-    // frmBatch's Start with settings that passed ValidateBatchStart: keeps them, stores
-    // its folder (hook rememberBatchDir), resets the counters and takes
-    // the first step (DoBatch), which starts measurement 1.
+    // frmBatch's Start with settings that passed ValidateBatchStart: keeps them with the
+    // batch folder made absolute (relative to the current folder now, as is the
+    // processing data folder at each save), stores that folder (hook rememberBatchDir),
+    // resets the counters, clears the device when bBatchClearFirst is set and takes the
+    // first step (DoBatch), which starts measurement 1.
     void begin(const BatchSettings& settings);
 
     // One step of the sequence (see the file comment). No device: "No MCA connection"
     // ("Batch Error", exclamation) and the batch ends. Waiting: nothing. A save that fails
-    // is reported ("Error saving file: " + reason) and the sequence goes on.
+    // is reported ("Error saving file: " + reason) and the sequence goes on; so does a
+    // measurement whose spectrum cannot be read after it stopped, which is reported and
+    // not saved (fileSaved with false).
     void DoBatch();
 
     // Ends the sequence: bBatchMode = false, wait timer off; the acquisition stays stopped.
@@ -88,11 +92,14 @@ private:
     void refresh(RefreshCode code);
     void saveMeasurement();
     void startMeasurement();
+    // `folder` taken relative to the folder current when the batch began.
+    std::string absoluteFolder(const std::string& folder) const;
 
     AcquisitionController& m_acq;
     std::string m_programFolder;
     BatchHooks m_hooks;
     BatchSettings m_settings;
+    std::filesystem::path m_startFolder;
 
     int16_t m_nBatchIndex = 0;
     bool m_bBatchStarted = false;

@@ -19,6 +19,10 @@ const char* const kCountMessage =
     "Please enter a value for the number of measurements in the Batch";
 const char* const kWaitMessage =
     "Please enter a value for the waiting interval time between measurements in the Batch";
+const char* const kSampleIdMessage =
+    "The sample ID goes into the file names and must not contain \"/\", \"\\\" or \"..\"";
+const char* const kTagMessage =
+    "The tag goes into the file names and must not contain \"/\", \"\\\" or \"..\"";
 
 std::string Trimmed(const std::string& text) {
     return std::string(TrimBlanks(text));
@@ -60,6 +64,19 @@ std::optional<BatchFieldError> CheckWait(const BatchWindowFields& f) {
     return std::nullopt;
 }
 
+// A name part that would lead out of the batch folder.
+bool LeavesFolder(const std::string& part) {
+    return part.find_first_of("/\\") != std::string::npos || part.find("..") != std::string::npos;
+}
+
+std::optional<BatchFieldError> CheckNames(const BatchWindowFields& f) {
+    if (f.nameSampleId && LeavesFolder(f.sampleId))
+        return BatchFieldError{BatchField::SampleId, kSampleIdMessage};
+    if (f.nameTag && LeavesFolder(f.tag))
+        return BatchFieldError{BatchField::Tag, kTagMessage};
+    return std::nullopt;
+}
+
 } // namespace
 
 std::string BatchFileName(const BatchSettings& settings, const std::string& sampleId, int16_t index,
@@ -85,6 +102,9 @@ std::optional<BatchFieldError> ValidateBatchField(BatchField field, const BatchW
         return CheckCount(f);
     case BatchField::Wait:
         return CheckWait(f);
+    case BatchField::SampleId:
+    case BatchField::Tag:
+        return CheckNames(f);
     }
     return std::nullopt;
 }
@@ -97,7 +117,16 @@ std::optional<BatchFieldError> ValidateBatchStart(const BatchWindowFields& f) {
         return BatchFieldError{BatchField::Folder, kFolderMissingMessage};
     if (auto e = CheckCount(f))
         return e;
-    return CheckWait(f);
+    if (auto e = CheckWait(f))
+        return e;
+    return CheckNames(f);
+}
+
+std::string BatchRepeatWarning(const BatchSettings& settings) {
+    if (settings.bBatchClear || (!settings.bBatchUntilStop && settings.nBatchCount <= 1))
+        return "";
+    return "The spectrum is not cleared between measurements: each one after the first starts "
+           "at the preset already reached, stops at once and saves the same spectrum again.";
 }
 
 BatchSettings BatchSettingsFromFields(const BatchWindowFields& f, BatchSettings base) {
@@ -108,6 +137,9 @@ BatchSettings BatchSettingsFromFields(const BatchWindowFields& f, BatchSettings 
         base.lBatchWait = static_cast<int32_t>(*w);
     base.bBatchWait = f.waitChecked;
     base.bBatchUntilStop = f.untilStop;
+    base.bNameSampleID = f.nameSampleId;
+    base.bNameTag = f.nameTag;
+    base.szBatchTag = f.tag;
     return base;
 }
 

@@ -13,7 +13,8 @@ struct BatchSettings {
     int16_t nBatchCount = 1;      // number of measurements (ignored with bBatchUntilStop)
     int32_t lBatchWait = 0;       // waiting interval, whole seconds
     bool bBatchWait = false;      // wait between measurements
-    bool bBatchClear = false;     // clear the spectrum between measurements
+    bool bBatchClear = true;      // clear the spectrum between measurements
+    bool bBatchClearFirst = true; // clear the spectrum before the first measurement
     bool bBatchProc = false;      // run the external processing command after each save
     bool bBatchUntilStop = false; // run until the user stops
     bool bNameTimeDate = false;   // "yyyymmdd_HHMMSS_" in the file name
@@ -36,9 +37,13 @@ struct BatchWindowFields {
     std::string wait;
     bool waitChecked = false;
     bool untilStop = false;
+    std::string sampleId; // the spectrum ID, checked when nameSampleId is set
+    bool nameSampleId = false;
+    std::string tag; // checked when nameTag is set
+    bool nameTag = false;
 };
 
-enum class BatchField { Folder, Count, Wait };
+enum class BatchField { Folder, Count, Wait, SampleId, Tag };
 
 // The first problem found, for a message box titled "Batch Settings" (exclamation icon)
 // with the focus put back on `field`.
@@ -54,12 +59,21 @@ constexpr const char* kBatchSettingsTitle = "Batch Settings";
 // wait must be a whole number 0..2147483647 when waiting is ticked.
 std::optional<BatchFieldError> ValidateBatchField(BatchField field, const BatchWindowFields& f);
 
-// Check of the whole window when Start is pressed: folder, count, wait in that order.
-// An empty folder and a folder that does not exist get different messages here.
+// Check of the whole window when Start is pressed: folder, count, wait, then the sample
+// ID and tag that go into the file names (neither may hold a path separator or "..",
+// which would put files outside the folder). An empty folder and a folder that does not
+// exist get different messages here.
 std::optional<BatchFieldError> ValidateBatchStart(const BatchWindowFields& f);
 
-// Settings from fields that passed ValidateBatchStart; other members of `base` (naming
-// choices, tag, clear and process flags) are kept. Unparsable numbers keep base values.
+// The warning given before a batch that would repeat a reached preset: without clearing
+// between measurements the device is still at its preset when the next one starts, so it
+// stops at once and every later file holds the first spectrum again. Empty when the
+// settings clear between measurements or the batch has only one.
+std::string BatchRepeatWarning(const BatchSettings& settings);
+
+// Settings from fields that passed ValidateBatchStart (folder, count, wait, naming
+// choices and tag); the other members of `base` (clear and process flags) are kept.
+// Unparsable numbers keep base values.
 BatchSettings BatchSettingsFromFields(const BatchWindowFields& f, BatchSettings base);
 
 // Batch panel of the status bar: "BATCH ON (Waiting : 2.5)", "BATCH ON" or "BATCH OFF".

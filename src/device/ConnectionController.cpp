@@ -67,6 +67,7 @@ int32_t CloseMca(DeviceLibrary& lib, SpectrumDocument& doc) {
         status = lib.closeDevice(doc.hDevice);
     doc.hDevice = 0;
     doc.bConnected = false;
+    doc.szConnectedSerial.clear();
     return status;
 }
 

@@ -144,6 +144,7 @@ void ReadDeviceLimits(DeviceLibrary& lib, SpectrumDocument& doc, const std::stri
 void ReadDeviceInfo(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages) {
     ReadIdentityText(lib, doc, messages, Id::DeviceName, doc.szDeviceName);
     ReadIdentityText(lib, doc, messages, Id::SerialNumber, doc.szDeviceSerial);
+    doc.szConnectedSerial = doc.szDeviceSerial;
     std::string production, version, firmwareDate;
     ReadIdentityText(lib, doc, messages, Id::ProductionDate, production);
     ReadIdentityText(lib, doc, messages, Id::FirmwareVersion, version);
@@ -162,7 +163,7 @@ void ReadAllParams(DeviceLibrary& lib, SpectrumDocument& doc) {
         return;
     const int32_t h = doc.hDevice;
     doc.lCapabilities = kCapabilitiesStart;
-    const std::string model = ModelCode(doc.szDeviceSerial);
+    const std::string model = ModelCode(doc.szConnectedSerial);
 
     // Everything that walks the counts array trusts lChannels, so a device answer
     // outside the array (a damaged or foreign device) leaves the old count in place.
@@ -187,6 +188,18 @@ void ReadAllParams(DeviceLibrary& lib, SpectrumDocument& doc) {
     ReadGpio(lib, doc, model);
     ReadMcaSettings(lib, doc);
     ReadDeviceLimits(lib, doc, model);
+}
+
+std::unique_ptr<SpectrumDocument> ReadDeviceSettings(DeviceLibrary& lib,
+                                                     const SpectrumDocument& doc) {
+    auto device = std::make_unique<SpectrumDocument>(doc);
+    ReadAllParams(lib, *device);
+    return device;
+}
+
+void FollowDeviceSettings(DeviceLibrary& lib, SpectrumDocument& doc) {
+    if (!doc.bFromFile)
+        ReadAllParams(lib, doc);
 }
 
 int32_t LegacyPresetWord(float presetTimeSeconds) {

@@ -2,6 +2,7 @@
 // Copying the device's identity and parameters between the open analyser and the
 // program-wide record. Every routine works on doc.hDevice through `lib`.
 #include <cstdint>
+#include <memory>
 
 #include "base/Messages.h"
 #include "device/DeviceLibrary.h"
@@ -22,6 +23,18 @@ void ReadDeviceInfo(DeviceLibrary& lib, SpectrumDocument& doc, Messages& message
 // field as the library left it, except lChannels, which only takes a count from 1 to
 // MAX_CHANNELS. Does nothing when hDevice is 0.
 void ReadAllParams(DeviceLibrary& lib, SpectrumDocument& doc);
+
+// The settings the open device holds, for a window that edits them: a copy of the record
+// (handle, identity, capabilities) with everything read-all reads taken from the device.
+// The record's own settings may be a spectrum file's snapshot (File > Open while
+// connected); the copy's never are.
+std::unique_ptr<SpectrumDocument> ReadDeviceSettings(DeviceLibrary& lib,
+                                                     const SpectrumDocument& doc);
+
+// After a settings window has written to the device: the record takes the device's
+// settings again (read-all), unless it shows a spectrum opened from a file, whose snapshot
+// stays with it until the next measurement starts.
+void FollowDeviceSettings(DeviceLibrary& lib, SpectrumDocument& doc);
 
 // Write-all: every MCA setting from the record to the device, return codes ignored,
 // including the advanced settings (ApplyAdvancedSettings). Does nothing when hDevice

@@ -36,7 +36,7 @@ public:
     // The last trace read (all zeros before the first).
     const ScopeTrace& trace() const { return m_trace; }
     // 65536 or 4096 for the open device's model (ScopeFullScale).
-    int32_t fullScale() const { return ScopeFullScale(m_doc.szDeviceSerial); }
+    int32_t fullScale() const { return ScopeFullScale(m_doc.szConnectedSerial); }
     // Number of traces read so far.
     int traceCount() const { return m_traces; }
 

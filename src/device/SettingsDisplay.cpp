@@ -63,6 +63,13 @@ const char* HVStateText(int32_t hvState) {
     return (hvState & kHVOn) ? "On" : "Off";
 }
 
+std::string DiscriminatorError(int32_t lld, int32_t uld) {
+    if (lld < uld)
+        return "";
+    return "The LLD (channel " + std::to_string(lld) + ") must be below the ULD (channel " +
+           std::to_string(uld) + "). Nothing was applied.";
+}
+
 float ClampHighVoltage(float volts, float maxHV) {
     const float top = maxHV > 0.0f ? maxHV : 1500.0f;
     if (!std::isfinite(volts))

@@ -3,6 +3,7 @@
 // factors, shaping times in microseconds, the preset mode as choices, and the limits
 // each entry is held to.
 #include <cstdint>
+#include <string>
 
 namespace vexo {
 
@@ -39,6 +40,10 @@ int32_t PresetModeFrom(const PresetChoice& choice, int32_t previous);
 // The high-voltage state word (id 22) for people: "Inhibited" when the external inhibit
 // holds it off, "Ramping" while it moves, else "On" or "Off".
 const char* HVStateText(int32_t hvState);
+
+// The refusal shown when Apply is given discriminators the device cannot use (the LLD
+// at or above the ULD, in channels); "" when they are fine.
+std::string DiscriminatorError(int32_t lld, int32_t uld);
 
 // High voltage held to 0..maxHV volts (a maxHV of 0 or less counts as 1500 V).
 float ClampHighVoltage(float volts, float maxHV);

@@ -83,7 +83,9 @@ std::vector<AxisTick> YTicks(double maxCounts, YScale scale) {
             ticks.push_back({TransformCount(v, scale), CountLabel(v)});
         return ticks;
     }
-    const double step = RoundStep(top, 6);
+    // Counts are whole numbers: a step below one would label neighbouring ticks alike
+    // ("0 0 0 1 1 1" on an empty spectrum).
+    const double step = std::max(RoundStep(top, 6), 1.0);
     for (double v = 0.0; v <= top + step && ticks.size() < 20; v += step)
         ticks.push_back({TransformCount(v, scale), CountLabel(v)});
     return ticks;
@@ -133,6 +135,26 @@ std::optional<CursorReadout> UpdateInfo(const SpectrumDocument& doc, int32_t c) 
         r.position = "Not calibrated";
     }
     return r;
+}
+
+int32_t SnapToLocalMaximum(const SpectrumDocument& doc, int32_t channel, int32_t radius) {
+    const int32_t last = std::min(doc.lChannels, MAX_CHANNELS) - 1;
+    if (channel < 0 || channel > last)
+        return channel;
+    const auto at = [&doc](int32_t ch) { return doc.lCounts[static_cast<std::size_t>(ch)]; };
+    int32_t best = -1;
+    // Outwards from the clicked channel, so that of equal maxima the nearest wins.
+    for (int32_t d = 0; d <= radius; ++d) {
+        for (int32_t ch : {channel - d, channel + d}) {
+            if (ch < 0 || ch > last)
+                continue;
+            const bool peak =
+                (ch == 0 || at(ch - 1) <= at(ch)) && (ch == last || at(ch + 1) <= at(ch));
+            if (peak && (best < 0 || at(ch) > at(best)))
+                best = ch;
+        }
+    }
+    return best < 0 || at(best) <= at(channel) ? channel : best;
 }
 
 bool ZoomIn(ZoomState& zoom, int32_t markFirst, int32_t markLast, int32_t lChannels) {

@@ -39,7 +39,7 @@ struct AxisTick {
     std::string label;
 };
 // Ticks for a Y axis running from 0 to `maxCounts` counts: decades for log, about six
-// round steps for linear and square root.
+// round steps for linear and square root, never less than one count apart.
 std::vector<AxisTick> YTicks(double maxCounts, YScale scale);
 
 // One pixel column of the reduced spectrum: the channel range it covers and the
@@ -69,6 +69,12 @@ struct CursorReadout {
 // nullopt for a channel outside 0 … 16384 (the read-out is then left as it is).
 // An energy that overflows reads "Energy out of range".
 std::optional<CursorReadout> UpdateInfo(const SpectrumDocument& doc, int32_t c);
+
+// A clicked channel moved onto the peak it was meant for: the highest local maximum
+// (a channel with no higher neighbour) within `radius` channels of `channel` and inside
+// 0 … lChannels − 1, the nearest one of equal counts, provided it holds more counts than
+// `channel`. Otherwise, and for a channel outside the spectrum, `channel` itself.
+int32_t SnapToLocalMaximum(const SpectrumDocument& doc, int32_t channel, int32_t radius = 3);
 
 // The shown channel range of the main plot.
 struct ZoomState {

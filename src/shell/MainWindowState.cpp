@@ -55,9 +55,9 @@ void FullRefresh(UpdateBuilder& u) {
     u.scaleButtons();
     u.show(ToolButton::tbProcess, f.externalProcessing);
     u.panel(StatusPanel::Connection, "Not connected");
-    for (StatusPanel p :
-         {StatusPanel::File, StatusPanel::Status, StatusPanel::Preset, StatusPanel::Elapsed,
-          StatusPanel::CountRate, StatusPanel::Icr, StatusPanel::Batch, StatusPanel::BatchCounter})
+    for (StatusPanel p : {StatusPanel::File, StatusPanel::Status, StatusPanel::Preset,
+                          StatusPanel::Elapsed, StatusPanel::CountRate, StatusPanel::Icr,
+                          StatusPanel::Batch, StatusPanel::BatchCounter, StatusPanel::HighVoltage})
         u.panel(p, "");
     u.update().spectrumId = f.szSpectrumID;
     u.update().runCalibrate = f.xUnitMode != 0;
@@ -177,6 +177,19 @@ std::string BatchPanelText(const MainWindowFlags& f) {
 
 std::string BatchCounterText(const MainWindowFlags& f) {
     return BatchCounterText(f.batchOn, f.batchDone, f.batchUntilStop, f.batchCount);
+}
+
+std::string MainWindowTitle(SpectrumShown shown, const MainWindowFlags& f) {
+    switch (shown) {
+    case SpectrumShown::File:
+        return "Vexo - " + f.szFileName;
+    case SpectrumShown::Device:
+        return "Vexo - " + f.szDeviceName + " S/N " + f.szDeviceSerial +
+               (f.connected ? " (live)" : "");
+    case SpectrumShown::None:
+        break;
+    }
+    return "Vexo";
 }
 
 const std::vector<std::string>& RoiMenuItems() {

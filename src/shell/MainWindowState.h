@@ -79,9 +79,10 @@ enum class StatusPanel {
     CountRate,
     Icr,
     Batch,
-    BatchCounter
+    BatchCounter,
+    HighVoltage // "HV 800 V on" while connected (device/HighVoltage.h)
 };
-constexpr int kStatusPanelCount = 9;
+constexpr int kStatusPanelCount = 10;
 
 struct PanelText {
     StatusPanel panel;
@@ -115,6 +116,13 @@ MainWindowUpdate RefreshMainWindow(RefreshCode code, const MainWindowFlags& flag
 std::string BatchPanelText(const MainWindowFlags& flags);
 // "Acq. done: 3 of 10", "Acq. done: 3" (endless), or empty when no batch runs.
 std::string BatchCounterText(const MainWindowFlags& flags);
+
+// Where the spectrum on show came from, for the window title.
+enum class SpectrumShown { None, File, Device };
+// "Vexo - " + the file name for a spectrum opened from a file; "Vexo - " + device name +
+// " S/N " + serial for one read from the analyser, with " (live)" while it is connected;
+// "Vexo" before either.
+std::string MainWindowTitle(SpectrumShown shown, const MainWindowFlags& flags);
 
 // One menu item's state; `checked` only for items that carry a check mark.
 struct MenuItemState {

@@ -1,5 +1,7 @@
 #include "spectrum/CalibrationSolver.h"
 
+#include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "base/CPrivateINI.h"
@@ -7,6 +9,7 @@
 #include "base/FileBytes.h"
 #include "base/NumberText.h"
 #include "base/Rounding.h"
+#include "base/TextTrim.h"
 #include "base/VexoError.h"
 
 namespace vexo {
@@ -150,14 +153,24 @@ bool AskAcceptCalibration(const EnergyCalibration& cal, Messages& messages) {
     return messages.askYesNo(AcceptQuestionText(cal), kAcceptTitle);
 }
 
-std::vector<std::string> EnergyListEntries(const std::filesystem::path& libraryPath,
-                                           Messages& messages) {
-    std::vector<std::string> items;
+namespace {
+
+// A line of the library as the energy lists use it.
+struct LibraryLine {
+    std::string section;
+    std::string en;
+    std::string name;
+    std::string intensity;
+};
+
+std::vector<LibraryLine> ReadLibraryLines(const std::filesystem::path& libraryPath,
+                                          Messages& messages) {
+    std::vector<LibraryLine> lines;
     const char* kText = "Could not load nuclide library information";
     const char* kTitle = "Load Nuclide info";
     if (!CanOpen(libraryPath)) {
         messages.critical(kText, kTitle);
-        return items;
+        return lines;
     }
     try {
         CPrivateINI named;
@@ -166,17 +179,91 @@ std::vector<std::string> EnergyListEntries(const std::filesystem::path& libraryP
         std::vector<std::string> sections = ini.GetSections();
         // The first section is the file's header ("Info"); the lines follow it.
         for (std::size_t i = 1; i < sections.size(); ++i)
-            items.push_back(ini.GetValue(sections[i], "En", "") + " (" + sections[i] + ")");
+            lines.push_back({sections[i], ini.GetValue(sections[i], "En", ""),
+                             ini.GetValue(sections[i], "NucName", ""),
+                             ini.GetValue(sections[i], "Int", "")});
     } catch (const NumberedError&) {
         // Raised only for an unusable file name: the same failure as a missing file.
-        items.clear();
+        lines.clear();
         messages.critical(kText, kTitle);
     }
+    return lines;
+}
+
+std::string ListItem(const LibraryLine& line) {
+    return line.en + " (" + line.section + ")";
+}
+
+EnergyListChoice ChoiceOf(const LibraryLine& line) {
+    const std::string item = ListItem(line);
+    const std::optional<double> energy = StrictDouble(line.en);
+    if (!energy)
+        return {item, EnergyFromListItem(item), std::numeric_limits<double>::infinity()};
+    const std::string_view name = TrimBlanks(line.name);
+    std::string label = (name.empty() ? line.section : std::string(name)) + " " +
+                        FormatNumber(*energy, "0.00") + " keV";
+    if (const std::optional<double> percent = StrictDouble(line.intensity))
+        label += " (" + FormatNumber(*percent, "0.0") + " %)";
+    return {label, EnergyFromListItem(item), *energy};
+}
+
+// Why one row does not count; empty when it counts or holds nothing.
+std::string RowProblem(const CalibrationRowText& row) {
+    const bool noChannel = TrimBlanks(row.channel).empty();
+    const bool noEnergy = TrimBlanks(row.energy).empty();
+    if (noChannel && noEnergy)
+        return {};
+    if (noChannel)
+        return "no channel";
+    if (!StrictDouble(row.channel))
+        return "the channel is not a number";
+    if (!StrictInt16(row.channel))
+        return "the channel is outside -32768 to 32767";
+    if (noEnergy)
+        return "no energy";
+    if (!StrictDouble(row.energy))
+        return "the energy is not a number";
+    return {};
+}
+
+} // namespace
+
+std::vector<std::string> EnergyListEntries(const std::filesystem::path& libraryPath,
+                                           Messages& messages) {
+    std::vector<std::string> items;
+    for (const LibraryLine& line : ReadLibraryLines(libraryPath, messages))
+        items.push_back(ListItem(line));
     return items;
 }
 
 std::string EnergyFromListItem(const std::string& item) {
     return item.substr(0, item.find('('));
+}
+
+std::vector<EnergyListChoice> EnergyListChoices(const std::filesystem::path& libraryPath,
+                                                Messages& messages) {
+    std::vector<EnergyListChoice> choices;
+    for (const LibraryLine& line : ReadLibraryLines(libraryPath, messages))
+        choices.push_back(ChoiceOf(line));
+    std::stable_sort(choices.begin(), choices.end(),
+                     [](const EnergyListChoice& a, const EnergyListChoice& b) {
+                         return a.energyKeV < b.energyKeV;
+                     });
+    return choices;
+}
+
+std::string RowProblemText(const std::array<CalibrationRowText, 3>& rows) {
+    std::string text;
+    const char names[3] = {'A', 'B', 'C'};
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const std::string problem = RowProblem(rows[i]);
+        if (problem.empty())
+            continue;
+        if (!text.empty())
+            text += "\n";
+        text += std::string("Point ") + names[i] + " does not count: " + problem;
+    }
+    return text;
 }
 
 } // namespace vexo

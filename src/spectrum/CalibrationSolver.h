@@ -69,4 +69,22 @@ std::vector<std::string> EnergyListEntries(const std::filesystem::path& libraryP
 // or the whole text when it has none.
 std::string EnergyFromListItem(const std::string& item);
 
+// One line of the energy lists as the dialog shows it.
+struct EnergyListChoice {
+    std::string label; // "Cs-137 661.66 keV (85.1 %)"
+    std::string value; // what choosing it leaves in the box: EnergyFromListItem of the item
+    double energyKeV;  // the "En" value; infinity when it is not one number
+};
+
+// The lines of EnergyListEntries (same file, same messages), labelled with the nuclide
+// ("NucName", else the section name), the energy ("0.00" keV) and, when the line has
+// one, its intensity ("Int", "0.0" %), and sorted by energy. A line whose "En" is not
+// one number keeps the item text as its label and goes last.
+std::vector<EnergyListChoice> EnergyListChoices(const std::filesystem::path& libraryPath,
+                                                Messages& messages);
+
+// Why rows that hold something do not count as points, one line per row:
+// "Point B does not count: no energy". Empty rows and rows that count give nothing.
+std::string RowProblemText(const std::array<CalibrationRowText, 3>& rows);
+
 } // namespace vexo

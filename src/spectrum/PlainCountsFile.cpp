@@ -1,5 +1,7 @@
 #include "spectrum/PlainCountsFile.h"
 
+#include <algorithm>
+
 #include "base/FileBytes.h"
 #include "base/NumberText.h"
 #include "base/TextFile.h"
@@ -21,9 +23,19 @@ bool SavePlainCounts(const SpectrumDocument& doc, const std::filesystem::path& p
     return out.save(path, error);
 }
 
+namespace {
+
+bool IsBinaryByte(char c) {
+    const auto b = static_cast<unsigned char>(c);
+    return (b < 0x20 && b != '\t' && b != '\r' && b != '\n' && b != '\f') || b == 0x7F;
+}
+
+} // namespace
+
 PlainReadResult ParsePlainCounts(SpectrumDocument& doc, std::string_view bytes) {
     PlainReadResult result;
     result.fileRead = true;
+    result.binaryBytes = std::any_of(bytes.begin(), bytes.end(), IsBinaryByte);
     FieldReader in(bytes);
     int32_t n = 0;
     try {
@@ -32,6 +44,8 @@ PlainReadResult ParsePlainCounts(SpectrumDocument& doc, std::string_view bytes) 
             if (!field)
                 break;
             doc.lCounts[static_cast<std::size_t>(n)] = FieldLong(*field);
+            if (!field->empty() && !StrictDouble(*field))
+                ++result.textFields;
             ++n;
         }
         result.ok = true;
@@ -42,6 +56,13 @@ PlainReadResult ParsePlainCounts(SpectrumDocument& doc, std::string_view bytes) 
     doc.lChannels = n;
     result.channels = n;
     return result;
+}
+
+std::string PlainCountsNotice(const PlainReadResult& result) {
+    if (!result.binaryBytes && result.textFields == 0)
+        return {};
+    return "Read as plain counts: " + std::to_string(result.channels) + " values; the file holds " +
+           (result.binaryBytes ? "binary data" : "text") + " that is not counts";
 }
 
 PlainReadResult ReadPlainCounts(SpectrumDocument& doc, const std::filesystem::path& path) {

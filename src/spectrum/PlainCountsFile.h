@@ -20,6 +20,9 @@ struct PlainReadResult {
     bool ok = false;       // read to the end or to the 16384th value without error
     int32_t channels = 0;  // values read into lCounts[0..channels-1]
     std::string error;     // why reading failed or stopped early
+    // What the file held besides counts. Neither stops the reading; the window says so.
+    int32_t textFields = 0;   // fields read that are not one number ("PHA", "12kg")
+    bool binaryBytes = false; // control bytes other than tab, CR, LF and form feed
 };
 
 // Reads numbers as fields (blanks, commas or line ends between them; a field that does
@@ -33,5 +36,10 @@ PlainReadResult ReadPlainCounts(SpectrumDocument& doc, const std::filesystem::pa
 PlainReadResult ParsePlainCounts(SpectrumDocument& doc, std::string_view bytes);
 
 constexpr std::size_t kMaxPlainFileBytes = std::size_t{8} << 20;
+
+// The passing notice after a plain read that met more than counts:
+// "Read as plain counts: 350 values; the file holds text that is not counts" (or "binary
+// data that is not counts"); empty for a clean file.
+std::string PlainCountsNotice(const PlainReadResult& result);
 
 } // namespace vexo

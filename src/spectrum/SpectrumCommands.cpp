@@ -25,6 +25,7 @@ OpenResult OpenSpectrum(SpectrumDocument& doc, const std::filesystem::path& path
         // the error tells the caller why it is short.
         result.opened = plain.fileRead;
         result.error = plain.error;
+        result.notice = PlainCountsNotice(plain);
     }
     if (!result.opened)
         return result;

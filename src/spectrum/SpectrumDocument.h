@@ -74,6 +74,9 @@ struct SpectrumDocument {
     int32_t hDevice = 0;
     bool bConnected = false;
     std::string szDevicePath; // with its "HID:"/"USB:"/"ETH:" prefix
+    // Serial number of the open device (id 1). szDeviceSerial is the spectrum's and a file
+    // opened while connected replaces it; this one gates the device's model features.
+    std::string szConnectedSerial;
     std::string szFirmwareVersion;
     int16_t nFwMajor = 0, nFwMinor = 0;
     std::string szFirmwareDate;

@@ -3,10 +3,13 @@
 // reported without a crash or a hang.
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include <nlohmann/json.hpp>
 
 #include "SimAnalyser.h"
 #include "base/TextFile.h"
+#include "device/ExternalProcessing.h"
 #include "spectrum/SpectrumFile.h"
 
 namespace vexo::test {
@@ -69,6 +72,10 @@ TEST(CliDevices, ExitCodes) {
         {"acquire --device USB:X --preset sometimes --out x.spe", 2},
         {"acquire --device USB:X --preset live:1 --set lNoSuch=1 --out x", 2},
         {"batch --device USB:X --preset live:1 --count 0 --dir /tmp", 2},
+        {"batch --device USB:X --preset live:1 --count 1 --dir /tmp --sample-id ../../x", 2},
+        {"batch --device USB:X --preset live:1 --count 1 --dir /tmp --tag a/b", 2},
+        {"acquire --device USB:X --preset live:inf --out x.spe", 2},
+        {"acquire --device USB:X --preset real:nan --out x.spe", 2},
         {"scope --device USB:X --traces 0 --out x.csv", 2}};
     for (const auto& [args, code] : cases)
         EXPECT_EQ(RunCli(args).exitCode, code) << args;
@@ -126,21 +133,97 @@ TEST(CliAcquire, FailuresEndTheCommandAndSaveNothing) {
         const char* device;
         const char* keys;
         const char* message;
+        const char* more = ""; // further arguments
     } cases[] = {{"USB:NOPE", "", "Could not open MCA: Invalid device"},
                  {"USB:KORV-10-001", "DisconnectAfter=2",
                   "Lost the connection to the MCA: Connection closed"},
                  // Every status poll fails while the link itself stays up.
                  {"USB:KORV-10-001", "FailParam=22:-12",
-                  "the device does not answer: Failed to receive data from device"}};
+                  "the device does not answer: Failed to receive data from device"},
+                 // A preset or mode the analyser did not take would never end the run.
+                 {"USB:KORV-10-001", "FailParam=9:-12", "cannot read back sngPresetTime"},
+                 {"USB:KORV-10-001", "", "did not take lMCSMode = 7", "--set lMCSMode=7"},
+                 {"USB:KORV-10-001", "", "did not take lPresetMode = 255", "--set lPresetMode=255"},
+                 {"USB:KORV-10-001", "", "does not exist: /no-such", "--out /no-such/x.spe"},
+                 {"USB:KORV-10-001", "ReadSpectrumFailShare=1",
+                  "could not be read after the measurement (Failed to receive data from device)"}};
     for (const auto& c : cases) {
         SimConfig sim(Model10(c.keys));
         const fs::path spe = sim.dir() / "n.spe";
         const CliRun r = RunCli(std::string("acquire --device ") + c.device +
-                                " --preset live:30 --out " + Quoted(spe.string()));
+                                " --preset live:30 --out " + Quoted(spe.string()) + " " + c.more);
         EXPECT_EQ(r.exitCode, 1);
         EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
         EXPECT_FALSE(fs::exists(spe));
     }
+}
+
+TEST(CliAcquire, RefusedSettingsAndAnEmptyRunAreWarnedAbout) {
+    SimConfig sim;
+    const fs::path spe = sim.dir() / "r.spe";
+    const CliRun r =
+        RunCli("acquire " + kDevice + " --preset live:1 --out " + Quoted(spe.string()) +
+               " --set sngHighVoltage=99999 --set lCoarseGain=99 --set lHVOn=0");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    for (const char* warning :
+         {"refused sngHighVoltage=99999; it holds 800\n", "refused lCoarseGain=99; it holds 2\n",
+          "warning: No counts: the high voltage is off\n"})
+        EXPECT_NE(r.err.find(warning), std::string::npos) << r.err;
+    EXPECT_EQ(ReadBack(spe)->lCoarseGain, 2); // what the analyser holds
+}
+
+TEST(CliBatch, ASpectrumIsSavedOnlyFromAReadAfterTheMeasurement) {
+    SimConfig sim(Model10("ReadSpectrumFailShare=0.8"));
+    const CliRun r = RunCli("batch " + kDevice + " --preset live:2 --count 10 --hv on --dir " +
+                            Quoted(sim.dir().string()));
+    std::set<std::string> contents;
+    for (const std::string& file : SplitLines(r.out)) {
+        contents.insert(ReadBytes(file));
+        EXPECT_NEAR(ReadBack(file)->sngLiveTime, 2.0f, 0.01f) << file;
+    }
+    EXPECT_EQ(contents.size(), SplitLines(r.out).size()); // no measurement saved twice
+    EXPECT_NE(r.err.find(std::to_string(contents.size()) + " file(s) saved, " +
+                         std::to_string(10 - contents.size()) + " failed"),
+              std::string::npos)
+        << r.err;
+}
+
+// SIGINT mid-batch: the file being written is finished, every file saved is complete and
+// reported, the summary printed and the exit status 130.
+TEST(CliBatch, InterruptEndsTheBatchCleanly) {
+    SimConfig sim;
+    const CliRun r = RunCli("batch " + kDevice + " --preset live:1 --until-stop --dir " +
+                                Quoted(sim.dir().string()),
+                            "VEXO_TICK_MS=2 timeout --preserve-status -s INT 1");
+    EXPECT_EQ(r.exitCode, 130) << r.err;
+    const auto files = SplitLines(r.out);
+    EXPECT_GT(files.size(), 2u);
+    for (const std::string& file : files)
+        EXPECT_EQ(ReadBack(file)->lChannels, 1024) << file;
+    EXPECT_NE(r.err.find(std::to_string(files.size()) + " file(s) saved, 0 failed"),
+              std::string::npos);
+}
+
+// The README's vexo-cli examples run as written and in order in a scratch folder, with
+// "build/bin" standing for the built programs (a comment ends each line's command).
+TEST(CliReadme, ExamplesRunAsWritten) {
+    SimConfig sim;
+    TempDir work;
+    const std::string readme = ReadBytes(fs::path(VEXO_SOURCE_DIR) / "README.md");
+    const std::size_t begin = readme.find("```sh\n", readme.find("\n## vexo-cli\n")) + 6;
+    int examples = 0;
+    for (std::string line : SplitLines(readme.substr(begin, readme.find("```", begin) - begin))) {
+        line = ReplaceAll(line.substr(0, line.find(" #")), "build/bin", BinDir().string());
+        if (line.rfind(BinDir().string(), 0) != 0) { // a shell step between the examples
+            EXPECT_EQ(std::system(("cd " + Quoted(work.path().string()) + " && " + line).c_str()),
+                      0);
+            continue;
+        }
+        const CliRun r = RunCli(line.substr(line.find(' ') + 1), "", work.path());
+        EXPECT_EQ(r.exitCode, 0) << line << "\n" << r.err;
+        ++examples;
+    }
+    EXPECT_GE(examples, 12);
 }
 
 TEST(CliBatch, PrintsEachSavedFile) {
@@ -171,7 +254,7 @@ TEST(CliBatch, KilledAnywhereLeavesOnlyWholeFiles) {
         fs::create_directories(folder);
         RunCli("batch " + kDevice + " --preset live:1 --until-stop --set lChannels=16384 --dir " +
                    Quoted(folder.string()),
-               "", std::string("-s KILL ") + after);
+               std::string("timeout -s KILL ") + after);
         for (const auto& entry : fs::directory_iterator(folder)) {
             const std::string name = entry.path().filename().string();
             if (name.front() == '.')

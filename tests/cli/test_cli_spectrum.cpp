@@ -90,9 +90,10 @@ TEST(CliConvert, FailedWriteKeepsTheOldFile) {
     for (const char* mode : {"--full", "--plain"}) {
         test::WriteBytes(dir / "good.spe", good);
         // At most 100 blocks per file; with SIGXFSZ ignored the write fails with EFBIG.
-        CliRun run = test::RunCli("convert " + test::Quoted((dir / "big.spe").string()) + " " +
-                                      test::Quoted((dir / "good.spe").string()) + " " + mode,
-                                  "trap '' XFSZ; ulimit -f 100;");
+        CliRun run = test::RunCli(
+            "convert " + test::Quoted((dir / "big.spe").string()) + " " +
+                test::Quoted((dir / "good.spe").string()) + " " + mode,
+            "sh -c " + test::Quoted("trap '' XFSZ; ulimit -f 100; exec \"$0\" \"$@\""));
         EXPECT_EQ(run.exitCode, 1) << mode;
         EXPECT_NE(run.err.find("File too large"), std::string::npos) << run.err;
         EXPECT_EQ(test::ReadBytes(dir / "good.spe"), good) << mode;
@@ -133,6 +134,9 @@ TEST(CliCalibrate, PointsAndRefusals) {
     auto j = nlohmann::json::parse(one.out);
     EXPECT_DOUBLE_EQ(j["dSlope"].get<double>(), 6.6166);
     EXPECT_EQ(j["dOffset"], 0.0);
+    // The texts of the dialog's acceptance question, not the numbers' full precision.
+    EXPECT_EQ(Cli({"calibrate", "--point", "400:661.66", "--point", "800:1332.49"}).out,
+              "Offset = -9.1700 keV\nSlope = 1.6771 keV/chn\nQuadratic = 0.0000 keV/chn^2\n");
     CliRun same = Cli({"calibrate", "--point", "5:10", "--point", "5:20"});
     EXPECT_EQ(same.exitCode, 1);
     EXPECT_NE(same.err.find("Channel values must be different"), std::string::npos);

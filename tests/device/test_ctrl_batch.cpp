@@ -238,6 +238,40 @@ TEST(BatchSequence, ProcessingRunsAfterEachSave) {
     EXPECT_EQ(text, "run\nrun\n");
 }
 
+TEST(BatchSequence, ClearsBeforeTheFirstAndBetweenMeasurementsByDefault) {
+    BatchRig r(Model10(), 3.0f); // a longer measurement is left in the device
+    r.acq->start();
+    for (int i = 0; i < 100 && r.acq->bAcqActive(); ++i)
+        r.acq->tick();
+    r.sim.doc->sngPresetTime = 1.0f;
+    WriteAllParams(*r.sim.lib, *r.sim.doc);
+    r.batch->begin(r.Settings(2));
+    r.runToEnd(200);
+    ASSERT_EQ(r.saved.size(), 2u);
+    r.expectFullMeasurements(1.0f);
+    EXPECT_NE(test::ReadBytes(r.saved[0]), test::ReadBytes(r.saved[1]));
+}
+
+TEST(BatchSequence, RelativeFoldersStayWhereTheyWereWhenTheBatchStarted) {
+    BatchRig r;
+    const fs::path cwd = fs::current_path();
+    fs::current_path(r.sim.dir());
+    // A program that cannot start leaves the current folder in its working folder.
+    r.settings.EnableExtProcessing = true;
+    r.settings.DataDir = ".";
+    r.settings.Program = "no-such-program";
+    r.settings.StartupDir = r.out.string();
+    BatchSettings s = r.Settings(2);
+    s.szBatchDir = "spectra";
+    s.bBatchProc = true;
+    r.batch->begin(s);
+    r.runToEnd(300);
+    fs::current_path(cwd);
+    EXPECT_EQ(r.filesOnDisk(), (std::vector<std::string>{"Vexo_0001.SPE", "Vexo_0002.SPE"}));
+    for (const Message& m : r.sim.messages.shown()) // never "Failed to save the sprectrum"
+        EXPECT_EQ(m.text.rfind("Failed to execute application: ", 0), 0u) << m.text;
+}
+
 TEST(BatchFaults, FailingSaveIsReportedAndTheSequenceGoesOn) {
     BatchRig r;
     BatchSettings s = r.Settings(2);

@@ -172,7 +172,7 @@ TEST_F(ReadAllTest, WriteAllThenReadAllRoundTripsAndPacksPolarities) {
 
     auto back = std::make_unique<Doc>();
     back->hDevice = d.hDevice;
-    back->szDeviceSerial = d.szDeviceSerial;
+    back->szConnectedSerial = d.szConnectedSerial;
     back->nFwMajor = d.nFwMajor;
     back->nFwMinor = d.nFwMinor;
     ReadAllParams(lib, *back);

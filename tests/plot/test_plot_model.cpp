@@ -105,6 +105,29 @@ TEST(YTicks, LogDecadesAndLinearSteps) {
     EXPECT_EQ(lin[1].label, "200");
     const auto sq = YTicks(1000, YScale::Sqrt);
     EXPECT_EQ(sq[1].position, std::sqrt(200.0));
+    // An empty or nearly empty spectrum: whole counts, each label once.
+    for (double top : {0.0, 1.0, 3.0}) {
+        const auto few = YTicks(top, YScale::Linear);
+        for (std::size_t i = 1; i < few.size(); ++i)
+            EXPECT_EQ(few[i].label, std::to_string(i)) << top;
+    }
+}
+
+TEST(SnapToLocalMaximum, PeakTopWithinThreeChannels) {
+    SpectrumDocument doc;
+    doc.lChannels = 100;
+    for (int ch = 45; ch <= 55; ++ch)
+        doc.lCounts[ch] = 100 - 10 * std::abs(ch - 50); // a peak at 50
+    doc.lCounts[60] = 40;                               // a small one, and a higher one
+    doc.lCounts[64] = 50;                               // four channels further
+    doc.lCounts[97] = 10, doc.lCounts[98] = 20, doc.lCounts[99] = 30; // rising to the end
+    doc.lCounts[100] = 99; // past lChannels: not a channel
+    const std::pair<int32_t, int32_t> cases[] = {
+        {47, 50}, {53, 50}, {50, 50}, {46, 46}, // the top only within three channels
+        {40, 40}, {61, 64}, {60, 60}, {62, 64}, // flat stays; the highest maximum wins
+        {97, 99}, {0, 0},   {-1, -1}, {100, 100}};
+    for (auto [clicked, snapped] : cases)
+        EXPECT_EQ(SnapToLocalMaximum(doc, clicked), snapped) << clicked;
 }
 
 TEST(UpdateInfo, UncalibratedCalibratedAndMcs) {

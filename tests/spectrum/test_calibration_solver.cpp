@@ -214,7 +214,8 @@ TEST(AcceptQuestion, TextAndTitle) {
 TEST(EnergyLists, OneItemPerSectionAfterTheFirst) {
     TempDir dir;
     WriteBytes(dir / "lib.nli", "[Info]\r\nFileID=Vexo Nuclide Library\r\n"
-                                "[Cs-13755:661.66:G]\r\nEn=661.6553\r\n"
+                                "[Cs-13755:661.66:G]\r\nEn=661.6553\r\nNucName=Cs-137\r\n"
+                                "Int=85.1\r\n"
                                 "[Co-6027:1173.23:G]\r\nNucName=Co-60\r\n"
                                 "[Am-24195:59.54:G]\r\nEn= 59.5409 \r\n");
     ScriptedMessages msgs;
@@ -223,6 +224,14 @@ TEST(EnergyLists, OneItemPerSectionAfterTheFirst) {
     EXPECT_EQ(items,
               (std::vector<std::string>{"661.6553 (Cs-13755:661.66:G)", " (Co-6027:1173.23:G)",
                                         "59.5409 (Am-24195:59.54:G)"}));
+    // The dialog's lines: by energy, labelled, each giving the value its item gives.
+    const auto choices = EnergyListChoices(dir / "lib.nli", msgs);
+    ASSERT_EQ(choices.size(), 3u);
+    EXPECT_EQ(choices[0].label, "Am-24195:59.54:G 59.54 keV"); // no name, no intensity
+    EXPECT_EQ(choices[0].value, "59.5409 ");
+    EXPECT_EQ(choices[1].label, "Cs-137 661.66 keV (85.1 %)");
+    EXPECT_EQ(choices[1].value, "661.6553 ");
+    EXPECT_EQ(choices[2].label, " (Co-6027:1173.23:G)"); // no energy: last, as it stands
     // A header-only or empty library gives nothing, silently.
     WriteBytes(dir / "lib.nli", "[Info]\r\nFileID=Vexo Nuclide Library\r\n");
     WriteBytes(dir / "empty.nli", "");

@@ -73,12 +73,12 @@ std::string Quoted(const std::string& text) {
     return q + "'";
 }
 
-CliRun RunCli(const std::string& args, const std::string& env, const std::string& limit) {
+CliRun RunCli(const std::string& args, const std::string& env, const std::filesystem::path& cwd) {
     TempDir dir;
-    const std::string command = "VEXO_TICK_MS=0 " + env + " timeout " + limit + " " +
-                                Quoted((BinDir() / "vexo-cli").string()) + " " + args + " >" +
-                                Quoted((dir / "out").string()) + " 2>" +
-                                Quoted((dir / "err").string());
+    const std::string command =
+        (cwd.empty() ? "" : "cd " + Quoted(cwd.string()) + " && ") +
+        "timeout 60 env VEXO_TICK_MS=0 " + env + " " + Quoted((BinDir() / "vexo-cli").string()) +
+        " " + args + " >" + Quoted((dir / "out").string()) + " 2>" + Quoted((dir / "err").string());
     const int status = std::system(command.c_str());
     CliRun run;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;

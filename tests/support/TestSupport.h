@@ -57,10 +57,10 @@ struct CliRun {
 
 // Runs vexo-cli with `args` (shell words, quoted by the caller where needed), without
 // the wall-clock pause between its polls and for at most 60 s. `env` goes in front of
-// the command ("NAME=value ...", or shell commands ending in ";"). `limit` is what
-// timeout(1) gets instead of 60: "-s KILL 0.4" kills the tool 0.4 s into its run.
+// the command ("NAME=value ...", or a program that runs vexo-cli, such as "timeout 1");
+// `cwd`, when given, is its current folder.
 CliRun RunCli(const std::string& args, const std::string& env = "",
-              const std::string& limit = "60");
+              const std::filesystem::path& cwd = {});
 // `text` as one shell word.
 std::string Quoted(const std::string& text);
 // RunCli with each argument quoted as one shell word.

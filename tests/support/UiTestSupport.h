@@ -2,9 +2,13 @@
 // What the window tests share: a scratch application folder with the simulated
 // analyser's configuration and two report styles, scripted messages, a test spectrum,
 // and pictures of the windows when VEXO_SCREENSHOT_DIR is set.
+#include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QPainter>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
 #include <filesystem>
@@ -46,6 +50,27 @@ struct UiFixture {
             return;
         QApplication::processEvents();
         w.grab().save(QString::fromUtf8(out) + "/" + name + ".png");
+    }
+
+    // `w` with the drop-down list of `box` open over it, in one picture.
+    static void shootWithPopup(QWidget& w, QComboBox& box, const char* name) {
+        const QByteArray out = qgetenv("VEXO_SCREENSHOT_DIR");
+        if (out.isEmpty())
+            return;
+        QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false); // the list at full size
+        box.showPopup();
+        QTest::qWait(100);
+        QWidget* popup = box.view()->window();
+        const QPoint at = popup->mapToGlobal(QPoint()) - w.mapToGlobal(QPoint());
+        const QRect all = w.rect().united(QRect(at, popup->size()));
+        QPixmap picture(all.size());
+        picture.fill(Qt::white);
+        QPainter painter(&picture);
+        painter.drawPixmap(-all.topLeft(), w.grab());
+        painter.drawPixmap(at - all.topLeft(), popup->grab());
+        painter.end();
+        box.hidePopup();
+        picture.save(QString::fromUtf8(out) + "/" + name + ".png");
     }
 
     // A 1024-channel spectrum with one peak at channel 265, as a full or plain file;

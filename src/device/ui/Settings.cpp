@@ -79,6 +79,7 @@ Settings::Settings(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(columns);
     layout->addLayout(buttons);
+    connect(m_channels, &QComboBox::currentIndexChanged, this, &Settings::holdToChannels);
     refreshControls();
 }
 
@@ -210,9 +211,21 @@ void Settings::refreshCalibration() {
     m_uldEnergy->setText(energy(m_uld->value()));
 }
 
+Settings::~Settings() = default;
+
 void Settings::showFineFactor() {
+    if (!m_device)
+        return;
     m_fineFactor->setText(
-        QString("x%1").arg(FineGainFactor(m_fine->value(), m_doc.lFineGainMax), 0, 'f', 4));
+        QString("x%1").arg(FineGainFactor(m_fine->value(), m_device->lFineGainMax), 0, 'f', 4));
+}
+
+// A device that has never been given discriminators answers the top of its largest
+// channel range; the boxes show (and Apply writes) the top channel of the chosen count.
+void Settings::holdToChannels() {
+    const int top = std::max(m_channels->currentData().toInt(), 1) - 1;
+    for (QSpinBox* box : {m_lld, m_uld, m_presetFirst, m_presetLast, m_scaLow, m_scaHigh})
+        box->setMaximum(top);
 }
 
 void Settings::updateModeControls() {
@@ -226,10 +239,13 @@ void Settings::updateModeControls() {
 }
 
 void Settings::refreshControls() {
-    const SpectrumDocument& d = m_doc;
+    m_device = m_doc.hDevice != 0 ? ReadDeviceSettings(m_lib, m_doc)
+                                  : std::make_unique<SpectrumDocument>(m_doc);
+    const SpectrumDocument& d = *m_device;
     m_mode->setCurrentIndex(d.lMCSMode != 0 ? 1 : 0);
     const int at = m_channels->findData(d.lChannels);
     m_channels->setCurrentIndex(at >= 0 ? at : m_channels->findData(1024));
+    holdToChannels();
     const PresetChoice p = PresetChoiceFrom(d.lPresetMode);
     m_timeOn->setChecked(p.timeActive);
     (p.liveTime ? m_live : m_real)->setChecked(true);
@@ -270,11 +286,18 @@ void Settings::showHVState() {
     int32_t word = 0;
     const int32_t status =
         m_doc.hDevice != 0 ? m_lib.getParam(m_doc.hDevice, DeviceParamId::HVState, word) : -1;
-    m_hvState->setText(status == 0 ? HVStateText(word) : "Unknown");
+    if (status == 0)
+        setHVState(word);
+    else
+        m_hvState->setText("Unknown");
+}
+
+void Settings::setHVState(int32_t hvWord) {
+    m_hvState->setText(HVStateText(hvWord));
 }
 
 void Settings::collect() {
-    SpectrumDocument& d = m_doc;
+    SpectrumDocument& d = *m_device;
     d.lMCSMode = m_mode->currentIndex();
     d.lChannels = m_channels->currentData().toInt();
     d.lPresetMode = PresetModeFrom(
@@ -307,10 +330,18 @@ void Settings::cmdApply() {
         m_messages.exclamation("Not connected");
         return;
     }
+    if (m_mode->currentIndex() == 0) {
+        const std::string refusal = DiscriminatorError(m_lld->value(), m_uld->value());
+        if (!refusal.empty()) {
+            m_messages.exclamation(refusal);
+            m_lld->setFocus();
+            return;
+        }
+    }
     collect();
-    WriteAllParams(m_lib, m_doc);
-    ReadAllParams(m_lib, m_doc); // show what the device actually took
-    refreshControls();
+    WriteAllParams(m_lib, *m_device);
+    FollowDeviceSettings(m_lib, m_doc);
+    refreshControls(); // shows what the device actually took
     if (m_applied)
         m_applied();
 }
@@ -326,8 +357,9 @@ void Settings::cmdStore() {
 }
 
 void Settings::cmdAdvanced() {
-    frmAdvanced dialog(m_lib, m_doc, this);
-    dialog.exec();
+    frmAdvanced dialog(m_lib, *m_device, this);
+    if (dialog.exec() == QDialog::Accepted)
+        FollowDeviceSettings(m_lib, m_doc);
     refreshControls();
 }
 

@@ -2,10 +2,13 @@
 // The MCA settings window: acquisition mode and channels, presets, amplifier (polarity,
 // gains, shaping, pole/zero, threshold, discriminators, BLR, PUR) and high voltage of
 // the open analyser, shown from the record, and the energy calibration kept in the
-// device (offset, slope, quadratic term). Apply writes everything and reads it back;
-// Store keeps the device's settings in its permanent memory.
+// device (offset, slope, quadratic term). The window shows the settings the device
+// holds, read afresh at each refresh, never the record's snapshot, which may be a file's.
+// Apply writes everything and reads it back; Store keeps the device's settings in its
+// permanent memory.
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 class QCheckBox;
 class QComboBox;
@@ -26,11 +29,14 @@ public:
     // `applied` runs after Apply has read the settings back (the main window redraws).
     Settings(DeviceLibrary& lib, SpectrumDocument& doc, Messages& messages,
              std::function<void()> applied, QWidget* parent = nullptr);
+    ~Settings() override;
 
-    void refreshControls(); // record -> controls
+    void refreshControls(); // device (or, with none open, record) -> controls
     // Only what follows the spectrum's calibration (the discriminator energies), so that a
     // new calibration shows here without discarding edits not yet applied.
     void refreshCalibration();
+    // The state field from an HV word polled elsewhere (the refresh tick keeps it live).
+    void setHVState(int32_t hvWord);
     void cmdApply();
     void cmdStore();
     void cmdAdvanced();
@@ -41,8 +47,9 @@ private:
     QWidget* amplifierGroup();
     QWidget* voltageGroup();
     QWidget* calibrationGroup();
-    void collect(); // controls -> record
+    void collect(); // controls -> m_device
     void updateModeControls();
+    void holdToChannels(); // channel boxes within the chosen channel count
     void showFineFactor();
     void showHVState();
 
@@ -50,6 +57,7 @@ private:
     SpectrumDocument& m_doc;
     Messages& m_messages;
     std::function<void()> m_applied;
+    std::unique_ptr<SpectrumDocument> m_device; // the settings shown and applied
     QComboBox* m_mode = nullptr;
     QComboBox* m_channels = nullptr;
     QCheckBox* m_timeOn = nullptr;

@@ -1,7 +1,8 @@
 #pragma once
 // The advanced settings: GPIO line functions and polarities, HV inhibit input, live-time
 // trim, analog pole/zero, BLR rate, PUR and TRP guards and the digital gain. A control
-// is enabled only when the open device answers its parameter. OK writes and reads back.
+// is enabled only when the open device answers its parameter; each says its unit and
+// what it does in its tool tip. OK writes and reads back.
 #include <QDialog>
 
 class QCheckBox;
@@ -21,8 +22,11 @@ public:
     QWidget* control(const QString& name) const { return findChild<QWidget*>(name); }
 
 private:
-    QSpinBox* spin(const char* name, int lo, int hi, int value, int32_t capability);
-    QCheckBox* check(const char* name, const QString& caption, bool value, int32_t capability);
+    // A box of device steps lo..hi, shown with `suffix` (its unit, may be empty).
+    QSpinBox* spin(const char* name, int lo, int hi, int value, int32_t capability,
+                   const QString& suffix, const QString& tip);
+    QCheckBox* check(const char* name, const QString& caption, bool value, int32_t capability,
+                     const QString& tip);
 
     DeviceLibrary& m_lib;
     SpectrumDocument& m_doc;

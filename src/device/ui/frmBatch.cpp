@@ -15,9 +15,10 @@
 
 namespace vexo {
 
-frmBatch::frmBatch(const BatchSettings& initial, Messages& messages,
+frmBatch::frmBatch(const BatchSettings& initial, std::string sampleId, Messages& messages,
                    std::function<void(const BatchSettings&)> start, QWidget* parent)
-    : QDialog(parent), m_base(initial), m_messages(messages), m_start(std::move(start)) {
+    : QDialog(parent), m_base(initial), m_sampleId(std::move(sampleId)), m_messages(messages),
+      m_start(std::move(start)) {
     setWindowTitle("Batch acquisition");
     auto* grid = new QGridLayout;
     m_dir = new QLineEdit(QString::fromStdString(initial.szBatchDir));
@@ -49,6 +50,8 @@ frmBatch::frmBatch(const BatchSettings& initial, Messages& messages,
 
     auto* v = new QVBoxLayout;
     v->addWidget(addCheck("chkBatchUntilStop", "Run until stopped", initial.bBatchUntilStop));
+    v->addWidget(addCheck("chkBatchClearFirst", "Clear before the first measurement",
+                          initial.bBatchClearFirst));
     v->addWidget(
         addCheck("chkBatchClear", "Clear the spectrum between measurements", initial.bBatchClear));
     v->addWidget(
@@ -65,7 +68,7 @@ frmBatch::frmBatch(const BatchSettings& initial, Messages& messages,
 
     for (auto [box, field] :
          {std::pair{m_dir, BatchField::Folder}, std::pair{m_count, BatchField::Count},
-          std::pair{m_wait, BatchField::Wait}})
+          std::pair{m_wait, BatchField::Wait}, std::pair{m_tag, BatchField::Tag}})
         connect(box, &QLineEdit::editingFinished, this, [this, field] { checkField(field); });
 
     auto* buttons = new QDialogButtonBox;
@@ -87,19 +90,31 @@ QCheckBox* frmBatch::addCheck(const char* name, const QString& caption, bool val
     return box;
 }
 
+bool frmBatch::checked(const char* name) const {
+    return findChild<QCheckBox*>(name)->isChecked();
+}
+
 BatchWindowFields frmBatch::fields() const {
     BatchWindowFields f;
     f.folder = m_dir->text().toStdString();
     f.count = m_count->text().toStdString();
     f.wait = m_wait->text().toStdString();
-    f.waitChecked = findChild<QCheckBox*>("chkBatchWait")->isChecked();
-    f.untilStop = findChild<QCheckBox*>("chkBatchUntilStop")->isChecked();
+    f.waitChecked = checked("chkBatchWait");
+    f.untilStop = checked("chkBatchUntilStop");
+    f.sampleId = m_sampleId;
+    f.nameSampleId = checked("chkSampleID");
+    f.tag = m_tag->text().toStdString();
+    f.nameTag = checked("chkTag");
     return f;
 }
 
 void frmBatch::focusField(BatchField field) {
+    // The sample ID is the main window's spectrum ID; it has no box here.
+    if (field == BatchField::SampleId)
+        return;
     QLineEdit* box = field == BatchField::Folder  ? m_dir
                      : field == BatchField::Count ? m_count
+                     : field == BatchField::Tag   ? m_tag
                                                   : m_wait;
     box->setFocus();
     box->selectAll();
@@ -127,12 +142,15 @@ void frmBatch::cmdStart() {
         return;
     }
     BatchSettings s = BatchSettingsFromFields(f, m_base);
-    s.bBatchClear = findChild<QCheckBox*>("chkBatchClear")->isChecked();
-    s.bBatchProc = findChild<QCheckBox*>("chkBatchProc")->isChecked();
-    s.bNameSampleID = findChild<QCheckBox*>("chkSampleID")->isChecked();
-    s.bNameTimeDate = findChild<QCheckBox*>("chkTimeDate")->isChecked();
-    s.bNameTag = findChild<QCheckBox*>("chkTag")->isChecked();
-    s.szBatchTag = m_tag->text().toStdString();
+    s.bBatchClear = checked("chkBatchClear");
+    s.bBatchClearFirst = checked("chkBatchClearFirst");
+    s.bBatchProc = checked("chkBatchProc");
+    s.bNameTimeDate = checked("chkTimeDate");
+    const std::string warning = BatchRepeatWarning(s);
+    if (!warning.empty() &&
+        m_messages.show({kBatchSettingsTitle, warning + "\r\nStart the batch anyway?",
+                         MsgIcon::Exclamation, MsgButtons::YesNo}) != MsgAnswer::Yes)
+        return;
     m_checking = true; // closing moves the focus; nothing more to check
     accept();
     if (m_start)

@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QHeaderView>
+#include <QLabel>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -19,6 +20,10 @@ frmDevices::frmDevices(DeviceLibrary& lib, Messages& messages, QWidget* parent)
     m_list->setHeaderLabels({"No", "Device Name", "Location", "Serial No", "Type"});
     m_list->header()->setSectionResizeMode(2, QHeaderView::Stretch);
     connect(m_list, &QTreeWidget::itemDoubleClicked, this, [this] { cmdOpen(); });
+    // The first ticks never show a device (the rows lag one tick behind the search), so
+    // the list says that it is still looking rather than look empty.
+    m_searching = new QLabel("searching…");
+    m_searching->setObjectName("lblSearching");
 
     auto* buttons = new QDialogButtonBox;
     QPushButton* search = buttons->addButton("&Search", QDialogButtonBox::ActionRole);
@@ -34,6 +39,7 @@ frmDevices::frmDevices(DeviceLibrary& lib, Messages& messages, QWidget* parent)
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_list);
+    layout->addWidget(m_searching);
     layout->addWidget(buttons);
 
     m_timer.setInterval(kSearchIntervalMs);
@@ -65,8 +71,12 @@ void frmDevices::showRows() {
         item->setText(1, QString::fromStdString(r.Name));
         item->setText(2, QString::fromStdString(r.Path));
         item->setText(3, QString::fromStdString(r.Serial));
-        item->setText(4, QString::number(r.Type));
+        // The bus by name; the record keeps the library's number.
+        const std::string prefix = DevicePathPrefix(r.Type);
+        item->setText(4, prefix.empty() ? QString::number(r.Type)
+                                        : QString::fromStdString(prefix.substr(0, 3)));
     }
+    m_searching->setVisible(rows.empty());
     if (!m_list->currentItem() && m_list->topLevelItemCount() > 0)
         m_list->setCurrentItem(m_list->topLevelItem(0));
 }
@@ -82,6 +92,7 @@ void frmDevices::cmdOpen() {
 void frmDevices::cmdSearch() {
     m_search = std::make_unique<DeviceSearch>(m_lib);
     m_list->clear();
+    m_searching->setVisible(true);
 }
 
 void frmDevices::done(int result) {

@@ -7,6 +7,7 @@
 
 #include "device/DeviceSearch.h"
 
+class QLabel;
 class QTreeWidget;
 
 namespace vexo {
@@ -22,6 +23,7 @@ public:
     // One tmrSearch tick, also callable by tests.
     void tmrSearch();
     QTreeWidget* lvDevices() const { return m_list; }
+    QLabel* searchingLabel() const { return m_searching; }
     void cmdOpen();
     void cmdSearch();
 
@@ -36,6 +38,7 @@ private:
     std::unique_ptr<DeviceSearch> m_search;
     QTimer m_timer;
     QTreeWidget* m_list = nullptr;
+    QLabel* m_searching = nullptr; // "searching…" while the list is empty
     bool m_closed = false;
 };
 

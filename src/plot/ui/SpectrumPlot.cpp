@@ -196,7 +196,7 @@ void SpectrumPlot::onPress(QMouseEvent* event) {
             m_cursor = ch;
             updateCursorAndMark();
             replot(rpQueuedReplot);
-            emit cursorMoved(ch);
+            emit cursorMoved(ch, event->modifiers());
         }
     }
     emit plotMouseDown(event->button(), event->modifiers(), ch);

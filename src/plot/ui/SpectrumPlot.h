@@ -55,6 +55,7 @@ public:
     // The marked range, or the whole spectrum when nothing is marked.
     MarkedRange markedRange() const;
     void setMarkedRange(int32_t first, int32_t last);
+    void clearMarkedRange() { m_markFirst = m_markLast = -1; }
 
     // Recomputes the reduced curve from the counts and redraws now.
     void refreshPlot();
@@ -62,7 +63,8 @@ public:
     int32_t channelAtPixel(double x) const;
 
 signals:
-    void cursorMoved(int channel);
+    // A left click moved the cursor; `modifiers` are the keys held while clicking.
+    void cursorMoved(int channel, Qt::KeyboardModifiers modifiers);
     void plotMouseDown(Qt::MouseButton button, Qt::KeyboardModifiers mods, int channel);
     void plotMouseMove(Qt::MouseButtons buttons, Qt::KeyboardModifiers mods, int channel);
     void plotMouseUp(Qt::MouseButton button, Qt::KeyboardModifiers mods, int channel);

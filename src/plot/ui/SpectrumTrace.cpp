@@ -62,7 +62,13 @@ void SpectrumTrace::draw(QCPPainter* painter) {
     }
     painter->setClipRect(clipRect());
     if (m_graphType == 1) {
-        painter->setPen(pen());
+        // One-pixel points vanish on a screen; three pixels read as dots at any density,
+        // and a darker shade keeps a colour chosen for filled areas visible as dots.
+        QPen dot = pen();
+        dot.setColor(dot.color().darker(150));
+        dot.setWidthF(3.0);
+        dot.setCapStyle(Qt::SquareCap);
+        painter->setPen(dot);
         painter->drawPoints(outline);
         return;
     }

@@ -30,6 +30,7 @@ QMessageBox::StandardButtons ButtonsOf(MsgButtons buttons) {
     case MsgButtons::OkCancel:
         return QMessageBox::Ok | QMessageBox::Cancel;
     case MsgButtons::YesNo:
+    case MsgButtons::YesNoDefaultNo:
         return QMessageBox::Yes | QMessageBox::No;
     case MsgButtons::YesNoCancel:
         return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
@@ -63,6 +64,8 @@ MsgAnswer QtMessages::show(const Message& message) {
     text.replace("\r\n", "\n"); // several-line messages are joined with CR LF
     QMessageBox box(IconOf(message.icon), QString::fromStdString(message.title), text,
                     ButtonsOf(message.buttons), m_parent);
+    if (message.buttons == MsgButtons::YesNoDefaultNo)
+        box.setDefaultButton(QMessageBox::No);
     return AnswerOf(box.exec(), message.buttons);
 }
 

@@ -17,6 +17,7 @@
 #include "device/BatchController.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
+#include "device/HighVoltage.h"
 #include "device/ScopeController.h"
 #include "device/ui/Settings.h"
 #include "plot/ui/SpectrumPlot.h"
@@ -117,6 +118,8 @@ void TopLevel::closeEvent(QCloseEvent* event) {
     m_tmrRefresh.stop();
     m_tmrConnect.stop();
     m_tmrBatchWait.stop();
+    if (m_lib)
+        OfferHVOff(*m_lib, m_doc, *m_messages, HVLeaving::Exit);
     if (m_connection)
         m_connection->exit();
     storePlacement();
@@ -155,6 +158,11 @@ MainWindowFlags TopLevel::flags() const {
 void TopLevel::RefreshMainWindow(RefreshCode code) {
     applyUpdate(vexo::RefreshMainWindow(code, flags()));
     UpdateMenu();
+    updateTitle();
+}
+
+void TopLevel::updateTitle() {
+    setWindowTitle(QString::fromStdString(MainWindowTitle(m_shown, flags())));
 }
 
 void TopLevel::applyUpdate(const MainWindowUpdate& u) {
@@ -263,8 +271,18 @@ void TopLevel::UpdateInfo() {
 }
 
 // The clicked channel also waits in the calibration dialog, for the row being filled.
-void TopLevel::onCursorMoved(int channel) {
-    calibDialog()->SetChannel(channel);
+// While the dialog is open a click lands on the top of the peak beside it, and the cursor
+// follows, so what the dialog holds is what the plot shows; Alt keeps the channel as
+// clicked.
+void TopLevel::onCursorMoved(int channel, Qt::KeyboardModifiers modifiers) {
+    calib* dialog = calibDialog();
+    if (dialog->isVisible() && !modifiers.testFlag(Qt::AltModifier)) {
+        const int32_t peak = SnapToLocalMaximum(m_doc, channel);
+        if (peak != channel)
+            SetCursor(peak);
+        channel = peak;
+    }
+    dialog->SetChannel(channel);
     UpdateInfo();
 }
 

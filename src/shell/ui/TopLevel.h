@@ -110,6 +110,9 @@ public:
     QLabel* panel(StatusPanel panel) const { return m_panels[static_cast<int>(panel)]; }
     QStringList infoTexts() const; // cursor read-out lines and the ROI panel
     QLineEdit* spectrumIdBox() const { return m_txtSpectrumID; }
+    // The passing notice under the status panels ("Read as plain counts: ..."); empty
+    // when none is shown.
+    QString noticeText() const;
     calib* existingCalibDialog() const;
     MainWindowFlags flags() const;
     AcquisitionController* acquisition() const { return m_acq.get(); }
@@ -131,6 +134,8 @@ private:
     void buildStatusBar();
     void buildCentral();
     void setPanelText(StatusPanel panel, const QString& text); // empty: hidden
+    void showNotice(const QString& text);                      // empty: hidden
+    void updateTitle();
     QAction* addItem(QMenu* menu, const char* key, const QString& caption, void (TopLevel::*slot)(),
                      const QKeySequence& shortcut = {});
     void layoutPlots();
@@ -162,7 +167,7 @@ private:
     void mnuROIClearAll();
     void mnuROISave();
     void mnuHelpAbout();
-    void onCursorMoved(int channel);
+    void onCursorMoved(int channel, Qt::KeyboardModifiers modifiers);
     calib* calibDialog(); // created, unshown, on first use
     void popupSpect(const QPoint& pos);
     PictureView pictureView() const; // the main plot as it stands (TopLevelReport.cpp)
@@ -177,6 +182,7 @@ private:
     ZoomState m_zoom;
     XUnit m_xUnit = XUnit::Channels;
     bool m_scopeShown = false;
+    SpectrumShown m_shown = SpectrumShown::None;
 
     std::unique_ptr<DeviceLibrary> m_lib;
     std::string m_libError;
@@ -195,6 +201,7 @@ private:
     QTimer m_tmrRefresh;
     QTimer m_tmrConnect;
     QTimer m_tmrBatchWait;
+    QTimer m_noticeTimer; // hides the notice again
 
     SpectrumPlot* m_plot41 = nullptr;
     SpectrumPlot* m_plot42 = nullptr;
@@ -205,6 +212,7 @@ private:
     std::array<QLabel*, 4> m_roiLabels{}; // net area, integral, net rate, integral rate
     std::array<QLabel*, kStatusPanelCount> m_panels{};
     QProgressBar* m_batchProgress = nullptr; // beside the batch counter while a batch runs
+    QLabel* m_notice = nullptr;
     std::array<QAction*, kToolButtonCount> m_tools{};
     std::map<QString, QAction*> m_items;
     QMenu* m_recentMenu = nullptr;

@@ -10,6 +10,7 @@
 #include "base/DateTime.h"
 #include "base/DialogFilter.h"
 #include "base/Messages.h"
+#include "device/AcquisitionController.h"
 #include "device/ExternalProcessing.h"
 #include "plot/ui/SpectrumPlot.h"
 #include "roi/RoiFile.h"
@@ -55,14 +56,18 @@ bool TopLevel::openSpectrum(const QString& path) {
         DisplaySpectrum(); // the ROIs and calibration were reset before reading
         return false;
     }
+    showNotice(QString::fromStdString(r.notice)); // reading on regardless, as always
     addRecentFile(path);
     showOpenedSpectrum();
     return true;
 }
 
 void TopLevel::showOpenedSpectrum() {
-    setWindowTitle("Vexo - " + QString::fromStdString(m_doc.szFileName));
+    if (m_acq)
+        m_acq->fileOpened();
+    m_shown = SpectrumShown::File;
     m_zoom = {false, 0, m_doc.lChannels - 1};
+    m_plot42->clearMarkedRange(); // a mark made on the previous spectrum
     for (RefreshCode code : kOpenRefreshCodes)
         RefreshMainWindow(code);
     if (m_xUnit != XUnit::Channels)
@@ -79,6 +84,11 @@ bool TopLevel::saveSpectrum(const QString& path) {
 }
 
 bool TopLevel::saveAllSpectrum(const QString& path) {
+    // After a run only a spectrum read once the device stopped is the measurement's.
+    if (m_acq && m_doc.hDevice != 0 && !m_acq->bAcqActive() && !m_acq->readFinalSpectrum()) {
+        m_messages->exclamation(FinalReadFailedText(m_acq->lastReadError(), path.toStdString()));
+        return false;
+    }
     if (!SaveAllSpectrum(m_doc, path.toStdString(), *m_messages))
         return false;
     m_checkpoint->saved(m_doc);
@@ -140,6 +150,7 @@ void TopLevel::zoomIn() {
 void TopLevel::zoomOut() {
     if (!vexo::ZoomOut(m_zoom, m_doc.lChannels))
         return;
+    m_plot42->clearMarkedRange(); // the next zoom starts from a fresh mark
     layoutPlots();
     DisplaySpectrum();
     UpdateMenu();

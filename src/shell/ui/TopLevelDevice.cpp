@@ -10,6 +10,7 @@
 #include "device/BatchController.h"
 #include "device/ConnectionController.h"
 #include "device/DeviceLibrary.h"
+#include "device/HighVoltage.h"
 #include "device/ScopeController.h"
 #include "device/ui/Scope.h"
 #include "device/ui/Settings.h"
@@ -25,6 +26,19 @@
 #include <algorithm>
 
 namespace vexo {
+
+namespace {
+
+// A tool window opens over the middle of the main window rather than wherever the window
+// system puts it (dialogs such as the batch window are centred by Qt itself).
+void CentreOver(QWidget* child, const QWidget* parent) {
+    child->adjustSize();
+    QRect frame(QPoint(), child->size());
+    frame.moveCenter(parent->frameGeometry().center());
+    child->move(frame.topLeft());
+}
+
+} // namespace
 
 void TopLevel::createControllers() {
     DeviceLibraryLoad load = DeviceLibrary::Load();
@@ -43,9 +57,13 @@ void TopLevel::createControllers() {
     // One redraw per pass, once the spectrum, the status and the ROI figures are all new.
     ah.updated = [this](const AcquisitionUpdate& update) {
         if (update.spectrumRead) {
+            m_shown = SpectrumShown::Device;
+            updateTitle();
             DisplaySpectrum();
             UpdateInfo();
         }
+        if (update.statusPolled && m_settingsWindow)
+            m_settingsWindow->setHVState(m_acq->hvState());
         showAcquisitionTexts();
         m_checkpoint->tick(m_doc, m_acq->bAcqActive());
     };
@@ -145,8 +163,15 @@ void TopLevel::showAcquisitionTexts() {
     setPanelText(StatusPanel::Status, QString::fromStdString(t.status));
     setPanelText(StatusPanel::Preset, QString::fromStdString(t.preset));
     setPanelText(StatusPanel::Elapsed, QString::fromStdString(t.elapsed));
+    // Kept in view while it holds (a failing read, an empty run with the high voltage off).
+    if (!t.notice.empty())
+        showNotice(QString::fromStdString(t.notice));
     setPanelText(StatusPanel::CountRate, QString::fromStdString(t.countRate));
     setPanelText(StatusPanel::Icr, QString::fromStdString(t.icr));
+    setPanelText(StatusPanel::HighVoltage,
+                 m_doc.hDevice != 0
+                     ? QString::fromStdString(DeviceHVPanelText(*m_lib, m_doc, m_acq->hvState()))
+                     : QString());
     showRoiReadout();
     if (m_batch) {
         const BatchPanelTexts b = m_batch->panelTexts();
@@ -201,7 +226,6 @@ void TopLevel::connectDevice() {
     const bool connected =
         m_connection->connect([this] { return ChooseDevice(*m_lib, *m_messages, this); });
     if (connected) {
-        setWindowTitle("Vexo");
         DisplaySpectrum();
         UpdateInfo();
     }
@@ -211,12 +235,13 @@ void TopLevel::disconnectDevice() {
     if (!m_connection)
         return;
     m_tmrBatchWait.stop();
+    OfferHVOff(*m_lib, m_doc, *m_messages, HVLeaving::Disconnect);
     m_connection->disconnect();
     RefreshMainWindow(RefreshCode::All);
 }
 
 void TopLevel::startAcquisition() {
-    if (!needDevice())
+    if (!needDevice() || !ConfirmStartWithHV(*m_lib, m_doc, *m_messages))
         return;
     m_acq->start();
     showAcquisitionTexts();
@@ -245,8 +270,10 @@ void TopLevel::showBatch() {
     if (initial.szBatchDir.empty())
         initial.szBatchDir = m_settings.BatchDataDir;
     frmBatch dialog(
-        initial, *m_messages,
+        initial, m_doc.szSpectrumID, *m_messages,
         [this](const BatchSettings& s) {
+            if (!ConfirmStartWithHV(*m_lib, m_doc, *m_messages))
+                return;
             m_batch->begin(s);
             RefreshMainWindow(RefreshCode::OptionsBatch);
             showAcquisitionTexts();
@@ -274,6 +301,7 @@ void TopLevel::showMcaSettings() {
                 UpdateInfo();
             },
             this);
+        CentreOver(m_settingsWindow, this);
     }
     m_settingsWindow->show();
     m_settingsWindow->raise();
@@ -302,6 +330,7 @@ void TopLevel::toggleScope() {
         },
         this);
     m_scopeShown = true;
+    CentreOver(m_scopeWindow, this);
     m_scopeWindow->show();
     UpdateMenu();
 }

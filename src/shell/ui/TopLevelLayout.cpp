@@ -1,18 +1,20 @@
 // The main window's widgets: menus, toolbar, status bar and the central area.
 #include <QAction>
 #include <QApplication>
+#include <QFile>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QPainter>
 #include <QProgressBar>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <vector>
 
+#include "base/AppDir.h"
 #include "plot/ui/SpectrumPlot.h"
 #include "shell/ui/TopLevel.h"
 
@@ -20,48 +22,48 @@ namespace vexo {
 
 namespace {
 
-// A small drawn icon for the buttons the style has no picture for.
-QIcon TextIcon(const QString& text) {
-    QPixmap pix(32, 32);
-    pix.fill(Qt::transparent);
-    QPainter p(&pix);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(40, 40, 120), 2));
-    p.setBrush(QColor(220, 225, 245));
-    p.drawRoundedRect(QRectF(2, 2, 28, 28), 5, 5);
-    QFont f = p.font();
-    f.setBold(true);
-    f.setPixelSize(text.size() > 2 ? 11 : 16);
-    p.setFont(f);
-    p.drawText(pix.rect(), Qt::AlignCenter, text);
-    return QIcon(pix);
-}
-
 struct ToolSpec {
     ToolButton button;
-    QStyle::StandardPixmap pixmap; // SP_CustomBase: drawn from `text`
-    const char* text;
+    const char* icon;  // icon name: the platform theme's, else Breeze's (icons/<name>.svg)
+    const char* label; // shown on the button only when no picture can be had
     const char* tip;
 };
 
-constexpr QStyle::StandardPixmap kDrawn = QStyle::SP_CustomBase;
-
+// The names are those of the freedesktop icon naming where it has one. The same list is
+// copied from the Breeze theme at build time (VEXO_TOOLBAR_ICONS in CMakeLists.txt).
 const ToolSpec kToolSpecs[] = {
-    {ToolButton::tbConnect, QStyle::SP_DriveNetIcon, "", "Connect to an MCA"},
-    {ToolButton::tbDisconnect, QStyle::SP_BrowserStop, "", "Disconnect from the MCA"},
-    {ToolButton::tbOpen, QStyle::SP_DialogOpenButton, "", "Open a spectrum file"},
-    {ToolButton::tbSave, QStyle::SP_DialogSaveButton, "", "Save the spectrum with all its data"},
-    {ToolButton::tbPrint, kDrawn, "Prt", "Print report"},
-    {ToolButton::tbStart, QStyle::SP_MediaPlay, "", "Start acquisition"},
-    {ToolButton::tbStop, QStyle::SP_MediaStop, "", "Stop acquisition"},
-    {ToolButton::tbClear, QStyle::SP_TrashIcon, "", "Clear the spectrum"},
-    {ToolButton::tbLin, kDrawn, "Lin", "Linear scale"},
-    {ToolButton::tbLog, kDrawn, "Log", "Logarithmic scale"},
-    {ToolButton::tbZoom, kDrawn, "Z", "Zoom to the range marked on the overview"},
-    {ToolButton::tbScope, kDrawn, "~", "Digital scope"},
-    {ToolButton::tbSettings, kDrawn, "Set", "MCA settings"},
-    {ToolButton::tbProcess, kDrawn, "Pr", "Process spectrum with an external program"},
+    {ToolButton::tbConnect, "network-connect", "Connect", "Connect to an MCA"},
+    {ToolButton::tbDisconnect, "network-disconnect", "Disconnect", "Disconnect from the MCA"},
+    {ToolButton::tbOpen, "document-open", "Open", "Open a spectrum file"},
+    {ToolButton::tbSave, "document-save", "Save", "Save the spectrum with all its data"},
+    {ToolButton::tbPrint, "document-print", "Print", "Print report"},
+    {ToolButton::tbStart, "media-playback-start", "Start", "Start acquisition"},
+    {ToolButton::tbStop, "media-playback-stop", "Stop", "Stop acquisition"},
+    {ToolButton::tbClear, "edit-clear", "Clear", "Clear the spectrum"},
+    {ToolButton::tbLin, "view-object-histogram-linear", "Lin", "Linear scale"},
+    {ToolButton::tbLog, "view-object-histogram-logarithmic", "Log", "Logarithmic scale"},
+    {ToolButton::tbZoom, "zoom-select", "Zoom", "Zoom to the range marked on the overview"},
+    {ToolButton::tbScope, "office-chart-line", "Scope", "Digital scope"},
+    {ToolButton::tbSettings, "configure", "Settings", "MCA settings"},
+    {ToolButton::tbProcess, "system-run", "Process", "Process spectrum with an external program"},
 };
+
+// One set of pictures: the platform theme's when it has every icon (a desktop with
+// Breeze or a theme as complete), else the Breeze SVGs beside the executable, rather
+// than a mix of two styles. SVG keeps them sharp at any scale.
+std::vector<QIcon> ToolbarIcons() {
+    const bool themed = std::all_of(std::begin(kToolSpecs), std::end(kToolSpecs),
+                                    [](const ToolSpec& s) { return QIcon::hasThemeIcon(s.icon); });
+    const QString folder = QString::fromStdString((ExecutableDir() / "icons").string());
+    std::vector<QIcon> icons;
+    for (const ToolSpec& spec : kToolSpecs) {
+        const QString file = folder + "/" + spec.icon + ".svg";
+        icons.push_back(themed                ? QIcon::fromTheme(spec.icon)
+                        : QFile::exists(file) ? QIcon(file)
+                                              : QIcon());
+    }
+    return icons;
+}
 
 } // namespace
 
@@ -129,6 +131,8 @@ void TopLevel::buildViewMenu() {
     check("mnuViewChn", "&Channels", [this] { showChannels(); });
     check("mnuViewEn", "&Energy", [this] { showEnergy(); });
     check("mnuViewTime", "&Time", [this] { showTime(); });
+    // Its caption shares "C" with "&Channels"; the caption is kept, so pressing C moves
+    // between the two items and Enter picks one.
     addItem(view, "mnuViewScope", "S&cope", &TopLevel::toggleScope)->setCheckable(true);
 }
 
@@ -167,13 +171,14 @@ void TopLevel::buildMenus() {
 void TopLevel::buildToolbar() {
     m_toolbar = addToolBar("Toolbar");
     m_toolbar->setObjectName("Toolbar");
-    m_toolbar->setIconSize(QSize(24, 24));
-    for (const ToolSpec& spec : kToolSpecs) {
+    m_toolbar->setIconSize(QSize(22, 22)); // the size Breeze draws its toolbar icons for
+    const std::vector<QIcon> icons = ToolbarIcons();
+    for (std::size_t i = 0; i < std::size(kToolSpecs); ++i) {
+        const ToolSpec& spec = kToolSpecs[i];
         const QString key = QString::fromUtf8(ToolButtonKey(spec.button).data(),
                                               static_cast<int>(ToolButtonKey(spec.button).size()));
-        const QIcon icon =
-            spec.pixmap == kDrawn ? TextIcon(spec.text) : style()->standardIcon(spec.pixmap);
-        QAction* a = m_toolbar->addAction(icon, key);
+        QAction* a = m_toolbar->addAction(icons[i], key);
+        a->setIconText(spec.label); // what an icon-less button shows
         a->setObjectName(key);
         a->setToolTip(spec.tip);
         a->setCheckable(spec.button == ToolButton::tbLin || spec.button == ToolButton::tbLog ||
@@ -186,46 +191,95 @@ void TopLevel::buildToolbar() {
     }
 }
 
-// Each panel is at least as wide as the longest text it is expected to show, measured
-// with the status bar's font, so a text is not cut while the window has its default
-// width; a longer text (a long device name) widens its panel further. Empty panels are
-// hidden and give their room to the others. The elapsed-time panel takes what is left.
+namespace {
+
+// Where a status panel sits and the longest text it is expected to show.
+struct PanelSpec {
+    StatusPanel panel;
+    int row;             // 0: what is connected or open, the voltage, the batch; 1: the run
+    const char* longest; // sets the panel's least width
+    int stretch;         // the panels that take the room left over in their row
+};
+
+const PanelSpec kPanelSpecs[] = {
+    {StatusPanel::Connection, 0, "Connected to KORV MCA-10 S/N 10230417", 0},
+    {StatusPanel::File, 0, "File: spectrum.spe", 0},
+    {StatusPanel::HighVoltage, 0, "HV 1500 V inhibited", 0},
+    {StatusPanel::Batch, 0, "BATCH ON (Waiting : 999.9)", 0},
+    {StatusPanel::BatchCounter, 0, "Acq. done: 99 of 99", 0},
+    {StatusPanel::Status, 1, "(Batch) HV ramping", 0},
+    {StatusPanel::Preset, 1, "Live Time = 3600 sec", 0},
+    {StatusPanel::Elapsed, 1, "Elapsed time (seconds): 3600.0 live, 3600.0 real (10.00% dead)", 1},
+    {StatusPanel::CountRate, 1, "99999.9 cps", 0},
+    {StatusPanel::Icr, 1, "ICR 99999.9 cps", 0},
+};
+
+} // namespace
+
+// Two rows of panels, so that every text fits at the default width of 1000 pixels: each
+// panel is at least as wide as the longest text it is expected to show, measured with
+// the status bar's font; a longer text (a long device name) widens its panel further
+// while there is room. Empty panels are hidden and give their room to the others. A
+// third row holds the passing notice, shown only while there is one.
 void TopLevel::buildStatusBar() {
-    const char* longest[kStatusPanelCount] = {
-        "Connected to KORV MCA-10 S/N 10230417", // Connection
-        "File: spectrum.spe",                    // File
-        "HV ramping",                            // Status (a batch prefix widens it)
-        "Live Time = 3600 sec",                  // Preset
-        nullptr,                                 // Elapsed: stretches
-        "99999.9 cps",                           // CountRate
-        "ICR 99999.9 cps",                       // Icr
-        "BATCH OFF",                             // Batch
-        "Acq. done: 99 of 99",                   // BatchCounter
-    };
+    auto* area = new QWidget(this);
+    auto* rows = new QVBoxLayout(area);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(1);
+    QHBoxLayout* row[2] = {new QHBoxLayout, new QHBoxLayout};
+    for (QHBoxLayout* r : row) {
+        r->setSpacing(3);
+        rows->addLayout(r);
+    }
     const QFontMetrics metrics(statusBar()->font());
-    for (int i = 0; i < kStatusPanelCount; ++i) {
+    for (const PanelSpec& spec : kPanelSpecs) {
         auto* label = new QLabel(this);
         label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        if (longest[i]) {
-            const int frame = 2 * label->frameWidth() + 2 * label->margin() + 4;
-            label->setMinimumWidth(metrics.horizontalAdvance(QString::fromLatin1(longest[i])) +
-                                   frame);
-        }
-        statusBar()->addWidget(label, longest[i] ? 0 : 1);
+        const int frame = 2 * label->frameWidth() + 2 * label->margin() + 4;
+        label->setMinimumWidth(metrics.horizontalAdvance(QString::fromLatin1(spec.longest)) +
+                               frame);
+        row[spec.row]->addWidget(label, spec.stretch);
         label->setVisible(false);
-        m_panels[i] = label;
+        m_panels[static_cast<int>(spec.panel)] = label;
     }
     m_batchProgress = new QProgressBar(this);
     m_batchProgress->setObjectName("batchProgress");
     m_batchProgress->setMaximumWidth(120);
     m_batchProgress->setFormat("%v / %m");
     m_batchProgress->setVisible(false);
-    statusBar()->addPermanentWidget(m_batchProgress);
+    row[0]->addWidget(m_batchProgress);
+    // The panels keep to the left, each as wide as its text; in the second row the
+    // elapsed time takes the room left over whenever it is shown.
+    row[0]->addStretch(1);
+    row[1]->addStretch(0);
+    m_notice = new QLabel(this);
+    m_notice->setObjectName("statusNotice");
+    m_notice->setWordWrap(true);
+    m_notice->setVisible(false);
+    rows->addWidget(m_notice);
+    statusBar()->addWidget(area, 1);
+    m_noticeTimer.setSingleShot(true);
+    m_noticeTimer.setInterval(30000);
+    connect(&m_noticeTimer, &QTimer::timeout, this, [this] { showNotice({}); });
+}
+
+void TopLevel::showNotice(const QString& text) {
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+    if (text.isEmpty())
+        m_noticeTimer.stop();
+    else
+        m_noticeTimer.start();
+}
+
+QString TopLevel::noticeText() const {
+    return m_notice->text();
 }
 
 void TopLevel::setPanelText(StatusPanel panel, const QString& text) {
     QLabel* label = m_panels[static_cast<int>(panel)];
     label->setText(text);
+    label->setToolTip(text); // the whole text where a long file name is cut
     label->setVisible(!text.isEmpty());
 }
 

@@ -4,6 +4,7 @@
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -35,15 +36,18 @@ calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath, Me
             if (ok && m_hooks.setCursor)
                 m_hooks.setCursor(ch);
         });
+        connect(m_ch[row], &QLineEdit::textChanged, this, &calib::showRowProblems);
         m_en[row] = new QComboBox;
         m_en[row]->setObjectName(QString("cmbEn") + names[row]);
         m_en[row]->setEditable(true);
         m_en[row]->setInsertPolicy(QComboBox::NoInsert);
+        // Wide enough for a line such as "Eu-152 1408.01 keV (20.9 %)" in full.
+        m_en[row]->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        m_en[row]->setMinimumContentsLength(28);
         QComboBox* box = m_en[row];
-        connect(box, &QComboBox::activated, this, [box](int index) {
-            box->setEditText(
-                QString::fromStdString(EnergyFromListItem(box->itemText(index).toStdString())));
-        });
+        connect(box, &QComboBox::activated, this,
+                [box](int index) { box->setEditText(box->itemData(index).toString()); });
+        connect(box, &QComboBox::editTextChanged, this, &calib::showRowProblems);
         grid->addWidget(m_ch[row], row + 1, 1);
         grid->addWidget(m_en[row], row + 1, 2);
     }
@@ -60,6 +64,11 @@ calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath, Me
     grid->addWidget(new QLabel("Quadratic:"), 6, 0);
     grid->addWidget(m_lblQuadratic, 6, 1);
 
+    // Beside OK: why a row the user filled in does not count as a point.
+    m_lblProblems = new QLabel;
+    m_lblProblems->setObjectName("lblRowProblems");
+    m_lblProblems->setStyleSheet("color: #a00000");
+    m_lblProblems->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     QPushButton* compute = buttons->addButton("C&ompute", QDialogButtonBox::ActionRole);
     connect(compute, &QPushButton::clicked, this, &calib::Compute);
@@ -67,7 +76,10 @@ calib::calib(SpectrumDocument& doc, const std::filesystem::path& libraryPath, Me
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
-    layout->addWidget(buttons);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(m_lblProblems, 1);
+    bottom->addWidget(buttons);
+    layout->addLayout(bottom);
 }
 
 void calib::showEvent(QShowEvent* event) {
@@ -78,10 +90,10 @@ void calib::showEvent(QShowEvent* event) {
 
 void calib::fillEnergyLists() {
     m_listsFilled = true;
-    const std::vector<std::string> items = EnergyListEntries(m_libraryPath, m_messages);
+    const std::vector<EnergyListChoice> choices = EnergyListChoices(m_libraryPath, m_messages);
     for (QComboBox* box : m_en) {
-        for (const std::string& item : items)
-            box->addItem(QString::fromStdString(item));
+        for (const EnergyListChoice& c : choices)
+            box->addItem(QString::fromStdString(c.label), QString::fromStdString(c.value));
         box->setCurrentIndex(-1);
         box->setEditText("");
     }
@@ -99,11 +111,24 @@ void calib::SetChannel(int32_t channel) {
     m_ch[m_active]->setText(QString::number(channel));
 }
 
-bool calib::Compute() {
+// A line's label typed out in full (or completed from the list) stands for its value.
+std::array<CalibrationRowText, 3> calib::rowTexts() const {
     std::array<CalibrationRowText, 3> rows;
-    for (int row = 0; row < 3; ++row)
-        rows[row] = {m_ch[row]->text().toStdString(), m_en[row]->currentText().toStdString()};
-    const CalibrationCompute r = vexo::Compute(rows, m_result, m_messages);
+    for (int row = 0; row < 3; ++row) {
+        const QComboBox* box = m_en[row];
+        const int line = box->findText(box->currentText(), Qt::MatchExactly);
+        const QString energy = line >= 0 ? box->itemData(line).toString() : box->currentText();
+        rows[row] = {m_ch[row]->text().toStdString(), energy.toStdString()};
+    }
+    return rows;
+}
+
+void calib::showRowProblems() {
+    m_lblProblems->setText(QString::fromStdString(RowProblemText(rowTexts())));
+}
+
+bool calib::Compute() {
+    const CalibrationCompute r = vexo::Compute(rowTexts(), m_result, m_messages);
     m_result = r.cal;
     m_computed = r.computed;
     m_lblOffset->setText(QString::fromStdString(r.lblOffset));
@@ -122,6 +147,10 @@ void calib::cmdOk() {
     if (m_hooks.applyCalibration)
         m_hooks.applyCalibration();
     accept();
+}
+
+QString calib::rowProblemText() const {
+    return m_lblProblems->text();
 }
 
 QString calib::resultText() const {

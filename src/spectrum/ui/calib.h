@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "spectrum/CalibrationSolver.h"
 #include "spectrum/EnergyCalibration.h"
 
 class QComboBox;
@@ -45,6 +46,8 @@ public:
     QLineEdit* txtCh(int row) const { return m_ch[row]; }
     QComboBox* cmbEn(int row) const { return m_en[row]; }
     QString resultText() const; // "offset slope quadratic" as the labels show them
+    // Why filled-in rows do not count, as shown beside OK ("" when every row counts).
+    QString rowProblemText() const;
     int activeRow() const { return m_active; }
     const EnergyCalibration& candidate() const { return m_result; }
 
@@ -56,6 +59,8 @@ protected:
 
 private:
     void fillEnergyLists();
+    std::array<CalibrationRowText, 3> rowTexts() const;
+    void showRowProblems();
 
     SpectrumDocument& m_doc;
     std::filesystem::path m_libraryPath;
@@ -67,6 +72,7 @@ private:
     QLabel* m_lblOffset = nullptr;
     QLabel* m_lblSlope = nullptr;
     QLabel* m_lblQuadratic = nullptr;
+    QLabel* m_lblProblems = nullptr;
     int m_active = 0; // 0 = row A
     EnergyCalibration m_result;
     bool m_computed = false;

@@ -3,6 +3,7 @@
 // and reopening the file; batches; the start-up connection to the last detector.
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QDoubleSpinBox>
@@ -15,6 +16,7 @@
 #include <QTest>
 #include <QTimer>
 #include <fstream>
+#include <ranges>
 
 #include "UiTestSupport.h"
 #include "device/AcquisitionController.h"
@@ -56,6 +58,16 @@ class DeviceWindowsTest : public QObject, public UiFixture {
         QVERIFY(shown > 0);
     }
 
+    // Points the simulated analyser at a model-10 configuration with `extra` keys, written
+    // to `name`; returns the configuration in use before, to be put back.
+    QByteArray useModel10With(const char* name, const std::string& extra) {
+        const QByteArray previous = qgetenv("VEXO_SIM_CONFIG");
+        const std::filesystem::path file = dir() / name;
+        test::WriteBytes(file, test::SimConfigText(dir() / "sim", test::Model10(extra)));
+        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(file.string()));
+        return previous;
+    }
+
 private slots:
     void initTestCase() { QVERIFY(setUp()); }
     void init() {
@@ -72,6 +84,7 @@ private slots:
         QVERIFY2(w.document().hDevice != 0, "the simulated analyser did not open");
         QCOMPARE(w.panelText(StatusPanel::Connection),
                  QString("Connected to KORV MCA-10 S/N 10230417"));
+        QCOMPARE(w.windowTitle(), QString("Vexo - KORV MCA-10 S/N 10230417 (live)"));
         QVERIFY(enabled(w, "tbStart"));
         QVERIFY(!enabled(w, "tbStop"));
         QVERIFY(!enabled(w, "tbConnect"));
@@ -147,18 +160,67 @@ private slots:
         const auto counts = w.document().lCounts;
         const int channels = w.document().lChannels;
 
-        w.action("mnuFileDisconnect")->trigger();
+        w.action("mnuFileDisconnect")->trigger(); // the voltage is on: asked, left on
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].buttons, MsgButtons::YesNoDefaultNo);
+        m_messages.clear();
         QCOMPARE(w.document().hDevice, 0);
         QCOMPARE(w.panelText(StatusPanel::Connection), QString("Not connected"));
         QVERIFY(!w.refreshTimer().isActive());
 
         w.document().lCounts.fill(0);
         QVERIFY(w.openSpectrum(saved));
+        QCOMPARE(w.windowTitle(), QString("Vexo - measured.spe"));
         QCOMPARE(w.document().lChannels, channels);
         for (int ch = 0; ch < channels; ++ch)
             QCOMPARE(w.document().lCounts[ch], counts[ch]);
         QVERIFY2(m_messages.shown().empty(),
                  m_messages.shown().empty() ? "" : m_messages.shown()[0].text.c_str());
+    }
+
+    // The high voltage in the status bar and the settings window, tick by tick, and the
+    // questions before starting with it off and before letting go of the device with it on.
+    void highVoltageWatchedAndAskedAbout() {
+        const QByteArray healthy = useModel10With("KORVHW-ramp.ini", "HVRampSeconds=2");
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V on"));
+        w.showMcaSettings();
+        auto* hvOn = qobject_cast<QCheckBox*>(w.settingsWindow()->control("chkHVOn"));
+        auto* state = qobject_cast<QLabel*>(w.settingsWindow()->control("lblHVState"));
+        hvOn->setChecked(false);
+        w.settingsWindow()->cmdApply();
+        w.acquisition()->tick();
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V off"));
+        w.startAcquisition(); // asked; the default answer No leaves it stopped
+        QCOMPARE(m_messages.shown().back().text, std::string("High voltage is off: start anyway?"));
+        QVERIFY(!w.acquisition()->bAcqActive());
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        w.startAcquisition();
+        QVERIFY(w.acquisition()->bAcqActive());
+        w.stopAcquisition();
+        hvOn->setChecked(true);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(state->text(), QString("Ramping"));
+        for (int i = 0; i < 6; ++i)
+            w.acquisition()->tick();
+        QCOMPARE(state->text(), QString("On")); // live, without reopening the window
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V on"));
+        m_messages.clear();
+        m_messages.queueAnswer(MsgAnswer::Yes); // switch it off before disconnecting
+        w.disconnectDevice();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("High voltage is on: switch it off before disconnecting?"));
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QCOMPARE(w.panelText(StatusPanel::HighVoltage), QString("HV 800 V off"));
+        qputenv("VEXO_SIM_CONFIG", healthy);
+        m_messages.clear();
+        w.close(); // off: nothing to ask
+        QVERIFY(m_messages.shown().empty());
     }
 
     // Each tick's ROI read-out shows the figures of the spectrum read in that tick, not
@@ -244,14 +306,78 @@ private slots:
         w.close();
     }
 
+    // Every setting the device holds (ids 5-51 but the live values and write-only words),
+    // each as its read status and raw bytes.
+    static QStringList deviceParameters(TopLevel& w) {
+        QStringList values;
+        for (int id : std::views::iota(5, 52)) {
+            char raw[64] = {};
+            if (id != 23 && id != 24 && id != 27 && id != 35)
+                values << QString("%1:%2:%3")
+                              .arg(id)
+                              .arg(w.acquisition()->library().getParam(
+                                  w.document().hDevice, DeviceParamId(id), raw, sizeof raw))
+                              .arg(QByteArray(raw, 12).toHex());
+        }
+        return values;
+    }
+
+    // A spectrum from another analyser opened while connected: its settings snapshot and
+    // serial go into the record, but MCA > Setup and Apply keep to the device's own.
+    void openWhileConnectedThenApplyLeavesTheDevice() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        w.showMcaSettings();
+        w.settingsWindow()->cmdApply(); // the settings as the window writes them
+        const QStringList before = deviceParameters(w);
+        w.settingsWindow()->close();
+        QApplication::processEvents(); // MCA > Setup opens a new window after File > Open
+        QVERIFY(w.openSpectrum(writeSpectrum("model06.spe", true, [](SpectrumDocument& d) {
+            d.szDeviceSerial = "06110108"; // a fine-gain range of 4095 steps
+            d.lFineGain = 4095;
+            d.lCoarseGain = 5;
+            d.lULD = 300;
+            d.sngPresetTime = 7.0f;
+        })));
+        w.showMcaSettings();
+        w.settingsWindow()->cmdApply();
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(deviceParameters(w), before);
+        QCOMPARE(w.document().lFineGain, 4095); // the file's snapshot stays on show
+        w.close();
+    }
+
+    // The discriminators are channels of the chosen count, and an LLD at or above the
+    // ULD is refused before anything is written.
+    void discriminatorsKeepToTheChannelCount() {
+        TopLevel w(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w.connectDevice();
+        QVERIFY(w.document().hDevice != 0);
+        // The device's power-up answer, above the 1024 channels in use.
+        w.acquisition()->library().setParam(w.document().hDevice, DeviceParamId::ULD, 16383);
+        w.showMcaSettings();
+        const auto box = [&w](const char* name) {
+            return qobject_cast<QSpinBox*>(w.settingsWindow()->control(name));
+        };
+        QCOMPARE(box("txtULD")->value(), 1023);
+        box("txtLLD")->setValue(600);
+        box("txtULD")->setValue(600);
+        w.settingsWindow()->cmdApply();
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QCOMPARE(m_messages.shown()[0].text,
+                 std::string("The LLD (channel 600) must be below the ULD (channel 600). "
+                             "Nothing was applied."));
+        QCOMPARE(w.document().lLLD, 0);
+        w.close();
+    }
+
     // The link drops while acquiring: one message, the disconnected state, and a later
     // Connect (to a device without the fault) works.
     void lostDeviceDuringAcquisition() {
-        const QByteArray healthy = qgetenv("VEXO_SIM_CONFIG");
-        const std::filesystem::path faulty = dir() / "KORVHW-drops.ini";
-        test::WriteBytes(faulty,
-                         test::SimConfigText(dir() / "sim", test::Model10("DisconnectAfter=3")));
-        qputenv("VEXO_SIM_CONFIG", QByteArray::fromStdString(faulty.string()));
+        const QByteArray healthy = useModel10With("KORVHW-drops.ini", "DisconnectAfter=3");
         TopLevel w(dir(), &m_messages);
         w.show();
         pickFirstDeviceSoon();
@@ -397,14 +523,23 @@ private slots:
 
     void emptyDeviceListRefusesOpen() {
         TopLevel w(dir(), &m_messages);
-        QTimer::singleShot(0, [] {
+        bool searching = false;
+        QString type;
+        QTimer::singleShot(0, [&searching, &type] {
             auto* list = qobject_cast<frmDevices*>(QApplication::activeModalWidget());
             if (!list)
                 return;
             list->cmdOpen(); // no tick yet: the list is empty
+            searching = list->searchingLabel()->isVisibleTo(list);
+            list->tmrSearch();
+            list->tmrSearch(); // rows lag one tick behind the search
+            searching = searching && !list->searchingLabel()->isVisibleTo(list);
+            type = list->lvDevices()->topLevelItem(0)->text(4);
             list->reject();
         });
         w.connectDevice();
+        QVERIFY(searching); // shown while the list is empty, gone with the first row
+        QCOMPARE(type, QString("USB"));
         QCOMPARE(w.document().hDevice, 0);
         // Start-up may also have said that the report styles file is missing.
         int listEmpty = 0;

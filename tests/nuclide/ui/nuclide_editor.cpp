@@ -103,12 +103,12 @@ private slots:
         LoadSettings(saved, dir(), m_messages);
         QCOMPARE(saved.DefNucLib, path.string());
 
-        // The calibration dialog offers the new library's lines.
+        // The calibration dialog offers the new library's lines (by the energy they give).
         w.action("mnuEditCalibrate")->trigger();
         calib* c = w.existingCalibDialog();
         QVERIFY(c);
-        QVERIFY(c->cmbEn(0)->findText("1332.492 (Co-6027:1332.49:G)") >= 0);
-        QVERIFY(c->cmbEn(0)->findText("1408.013 (Eu-15263:1408.01:G)") >= 0);
+        QVERIFY(c->cmbEn(0)->findData("1332.492 ") >= 0);
+        QVERIFY(c->cmbEn(0)->findData("1408.013 ") >= 0);
         shoot(*editor, "nuclide_editor");
         editor->close();
     }

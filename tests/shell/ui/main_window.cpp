@@ -82,6 +82,17 @@ private slots:
         QCOMPARE(w.windowTitle(), QString("Vexo"));
     }
 
+    // Any file reads as plain counts; what was not counts is noticed, not asked about.
+    void plainFileWithTextIsNoticed() {
+        TopLevel w(dir(), &m_messages);
+        test::WriteBytes(dir() / "notes.txt", "12\r\n15\r\nchannel seventeen\r\n20\r\n");
+        QVERIFY(w.openSpectrum(m_dir.path() + "/notes.txt"));
+        QCOMPARE(w.document().lChannels, 5);
+        QCOMPARE(w.noticeText(),
+                 QString("Read as plain counts: 5 values; the file holds text that is not counts"));
+        QVERIFY(m_messages.shown().empty());
+    }
+
     void spectrumIdBoxWritesTheRecord() {
         TopLevel w(dir(), &m_messages);
         QTest::keyClicks(w.spectrumIdBox(), "S17");
@@ -108,6 +119,8 @@ private slots:
         QCOMPARE(w.DataPlot41()->xMin(), 0);
         QCOMPARE(w.DataPlot41()->xMax(), 1023);
         QVERIFY(!w.action("tbZoom")->isChecked());
+        QCOMPARE(w.DataPlot42()->markedRange().first, 0); // the old mark is gone
+        QCOMPARE(w.DataPlot42()->markedRange().last, 1023);
         w.zoomOut(); // not zoomed: nothing happens
         QCOMPARE(w.DataPlot41()->xMax(), 1023);
         // A range dragged out on the overview with the mouse is what Zoom in shows.
@@ -136,6 +149,7 @@ private slots:
         QCOMPARE(info[0], QString("Channel 265"));
         QCOMPARE(info[1], QString("Counts 4050"));
         QCOMPARE(info[2], QString("Not calibrated"));
+        QVERIFY(w.noticeText().isEmpty()); // counts and nothing else: no notice
         QCOMPARE(info[3], QString("0.00 keV"));
         QCOMPARE(info[4], QString("0 CPS"));
         w.action("mnuViewEn")->trigger();
@@ -199,6 +213,16 @@ private slots:
         QVERIFY(std::abs(second - 300) <= 1);
         QCOMPARE(dialog->txtCh(1)->text(), QString::number(second));
         QCOMPARE(dialog->txtCh(0)->text(), QString::number(first)); // row A kept its channel
+        // Near a peak the click lands on its top (265), with the cursor; Alt keeps the click.
+        focusRow(*dialog, 2);
+        clickPlotAt(plot, 263);
+        QCOMPARE(dialog->txtCh(2)->text(), QString("265"));
+        QCOMPARE(plot->cursorChannel(), 265);
+        const int x = static_cast<int>(std::lround(plot->xAxis->coordToPixel(263)));
+        QTest::mouseClick(plot, Qt::LeftButton, Qt::AltModifier, QPoint(x, plot->height() / 2));
+        QVERIFY(plot->cursorChannel() != 265);
+        QCOMPARE(dialog->txtCh(2)->text(), QString::number(plot->cursorChannel()));
+        dialog->txtCh(2)->clear();
         // A second Calibrate brings up the same dialog.
         w.showCalibration();
         QCOMPARE(w.existingCalibDialog(), dialog.data());
@@ -232,6 +256,10 @@ private slots:
         dialog->cmbEn(0)->setEditText("661.7");
         dialog->txtCh(2)->setText("800");
         dialog->cmbEn(2)->setEditText("1332.5");
+        dialog->txtCh(1)->setText("4x0"); // does not count, and the dialog says why
+        QCOMPARE(dialog->rowProblemText(),
+                 QString("Point B does not count: the channel is not a number"));
+        shootWithPopup(*dialog, *dialog->cmbEn(1), "calibration");
         m_messages.queueAnswer(MsgAnswer::No);
         dialog->cmdOk();
         QTest::qWait(20);

@@ -3,34 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 
+#include "FuzzScratch.h"
 #include "base/CPrivateINI.h"
 #include "base/TextFile.h"
 
 namespace {
-
-// Settings-sized files are a few kilobytes; 64 KiB keeps every run short.
-constexpr std::size_t kMaxInput = 64 * 1024;
-
-// One scratch file per process, removed when the fuzzer exits.
-struct Scratch {
-    std::string path =
-        (std::filesystem::temp_directory_path() / ("vexo-fuzz-ini-" + std::to_string(::getpid())))
-            .string();
-    ~Scratch() {
-        std::error_code ec;
-        std::filesystem::remove(path, ec);
-    }
-};
-
-const std::string& ScratchFile() {
-    static const Scratch scratch;
-    return scratch.path;
-}
 
 // The first line of the input, short, as a name to look up: lets the fuzzer reach names
 // that only match after trimming or case folding.
@@ -49,21 +28,11 @@ bool IsPlainName(const std::string& name, const char* breaking) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    if (size > kMaxInput)
+    if (size > fuzz::kMaxInput)
         return 0;
     const std::string text(reinterpret_cast<const char*>(data), size);
-    {
-        // Overwrite and cut to length: truncating to zero first makes ext4 flush the file
-        // on close, which slows the fuzzer down a hundredfold.
-        std::fstream out(ScratchFile(), std::ios::in | std::ios::out | std::ios::binary);
-        if (!out.is_open())
-            out.open(ScratchFile(), std::ios::out | std::ios::binary);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-    }
-    std::error_code ec;
-    std::filesystem::resize_file(ScratchFile(), text.size(), ec);
     vexo::CPrivateINI ini;
-    ini.setINIFile(ScratchFile());
+    ini.setINIFile(fuzz::WriteScratch("fuzz.ini", data, size).string());
 
     const std::string probe = NameFrom(text);
     auto sections = ini.GetSections();
@@ -82,6 +51,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
         ini.GetValue(section, key, "") != "fuzz value")
         std::abort(); // a plain name written must read back
     ini.DeleteKey(section, key);
-    ini.GetSections();
+    ini.DeleteSection(section);
+    // A NUL in a header splits the name in the list of sections, so a piece of it is
+    // listed that no section carries; without one, a plain name deleted must be gone.
+    const bool hasNul = text.find('\0') != std::string::npos;
+    for (const std::string& left : ini.GetSections())
+        if (!hasNul && IsPlainName(section, "\r\n]") && left == section)
+            std::abort();
     return 0;
 }

@@ -2,39 +2,16 @@
 // energy lists, on arbitrary file contents.
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <unistd.h>
 
+#include "FuzzScratch.h"
 #include "base/Messages.h"
 #include "nuclide/NuclideLibrary.h"
 #include "spectrum/CalibrationSolver.h"
 
-namespace {
-
-// The INI store opens and parses the file anew for every key, so reading costs about
-// sections x file size; beyond a library's usual size that is time, not coverage.
-constexpr std::size_t kMaxInput = 16 * 1024;
-
-std::filesystem::path ScratchFile() {
-    static const std::filesystem::path path = std::filesystem::temp_directory_path() /
-                                              ("fuzz_nli_" + std::to_string(::getpid()) + ".nli");
-    return path;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    if (size > kMaxInput)
+    if (size > fuzz::kMaxInput)
         return 0;
-    const auto path = ScratchFile();
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-        if (!out)
-            return 0;
-    }
+    const auto path = fuzz::WriteScratch("fuzz.nli", data, size);
     bool identified = vexo::IsNuclideLibrary(path);
     vexo::NuclideLibraryRead read = vexo::ReadNuclideLibrary(path);
     if (read.ok) {

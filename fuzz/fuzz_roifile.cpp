@@ -3,28 +3,15 @@
 // of its documented errors; anything else escaping, a crash or a sanitizer report is a bug.
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <unistd.h>
 #include <vector>
 
+#include "FuzzScratch.h"
 #include "base/VexoError.h"
 #include "roi/RoiFile.h"
 
 namespace {
 
-// ROI files are a few kilobytes. Every key read re-reads the whole file, so the cap keeps
-// one run short even for inputs made of thousands of empty sections.
-constexpr std::size_t kMaxInput = 4 * 1024;
 constexpr std::size_t kSlots = 64;
-
-const std::filesystem::path& ScratchFile() {
-    static const std::filesystem::path path =
-        std::filesystem::temp_directory_path() /
-        ("vexo-fuzz-roifile-" + std::to_string(::getpid()) + ".roi");
-    return path;
-}
 
 // Counts from the input's bytes, so the peak shapes vary with the input too.
 std::vector<int32_t> SpectrumFrom(const uint8_t* data, std::size_t size) {
@@ -54,13 +41,9 @@ void Analyse(vexo::clsROI& roi, const std::vector<int32_t>& counts) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    if (size > kMaxInput)
+    if (size > fuzz::kMaxInput)
         return 0;
-    {
-        std::ofstream out(ScratchFile(), std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    }
-    vexo::RoiFileContents read = vexo::ReadRoiFile(ScratchFile());
+    vexo::RoiFileContents read = vexo::ReadRoiFile(fuzz::WriteScratch("fuzz.roi", data, size));
     if (!read.ok)
         __builtin_trap(); // the file was just written
     const std::vector<int32_t> counts = SpectrumFrom(data, size);

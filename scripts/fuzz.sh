@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang (ASan + UBSan) in build-fuzz/ and runs each
-# for the given number of seconds (default 60), starting from its seed corpus.
+# for the given number of seconds (default 60), starting from its seed corpus. Inputs go
+# up to 1 MiB at once (-len_control=0), so slow-downs that grow with a file's size show
+# up, and an input that runs longer than 10 s is a finding (-timeout=10).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
@@ -16,7 +18,7 @@ for fuzzer in build-fuzz/bin/fuzz_*; do
   seeds=()
   [ -d "fuzz/seeds/$name" ] && seeds+=("fuzz/seeds/$name")
   echo "fuzz: $name for ${seconds}s"
-  if ! "$fuzzer" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=65536 \
+  if ! "$fuzzer" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=1048576 -len_control=0 \
        -print_final_stats=0 "$corpus" "${seeds[@]}" >"build-fuzz/$name.log" 2>&1; then
     echo "fuzz: $name FAILED"; tail -40 "build-fuzz/$name.log"; status=1
   fi

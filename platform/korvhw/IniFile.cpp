@@ -16,6 +16,17 @@ bool EqualsNoCase(std::string_view a, std::string_view b) {
     return true;
 }
 
+namespace {
+
+std::string LowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return lower;
+}
+
+} // namespace
+
 std::string Trim(std::string_view text) {
     size_t first = 0, last = text.size();
     while (first < last && std::isspace(static_cast<unsigned char>(text[first])))
@@ -100,14 +111,14 @@ IniFile IniFile::Parse(std::string_view text) {
         ini.m_sections.back().entries.push_back(
             {Trim(line.substr(0, eq)), Trim(line.substr(eq + 1))});
     }
+    for (size_t i = 0; i < ini.m_sections.size(); ++i)
+        ini.m_index.emplace(LowerCase(ini.m_sections[i].name), i); // the first one wins
     return ini;
 }
 
 const IniSection* IniFile::find(std::string_view section) const {
-    for (const IniSection& s : m_sections)
-        if (EqualsNoCase(s.name, section))
-            return &s;
-    return nullptr;
+    const auto it = m_index.find(LowerCase(section));
+    return it == m_index.end() ? nullptr : &m_sections[it->second];
 }
 
 std::optional<std::string> IniFile::get(std::string_view section, std::string_view key) const {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace korvsim {
@@ -34,6 +35,9 @@ public:
 private:
     std::vector<IniSection> m_sections;
     std::vector<std::string> m_problems;
+    // Lower-case name -> the first section of that name, so a file of thousands of
+    // device sections reads in time proportional to its size.
+    std::unordered_map<std::string, size_t> m_index;
 };
 
 bool EqualsNoCase(std::string_view a, std::string_view b);

@@ -5,6 +5,7 @@
 #include "base/TextTrim.h"
 #include "base/VexoError.h"
 
+#include <limits>
 #include <optional>
 
 namespace vexo {
@@ -12,8 +13,7 @@ namespace {
 
 // The reader's buffer starts at 1000 characters and grows by 2000 while a list does not
 // fit. A single value never triggers the growth, so it reads as at most 999 characters.
-constexpr std::size_t kFirstBufferSize = 1000;
-constexpr std::size_t kBufferGrowth = 2000;
+constexpr std::size_t kFirstBufferSize = kProfileBufferSize;
 
 std::string BlankIfEmpty(const std::string& s) {
     return s.empty() ? std::string(" ") : s;
@@ -57,15 +57,16 @@ template <typename Change> void ChangeIni(const std::string& path, Change change
         ini->save(path);
 }
 
-// The growing-buffer read loop over one of the two readers.
+// The growing-buffer read loop over one of the two readers. A count of size - 2 means a
+// list that did not fit (or a text of exactly that length); the loop then grows the
+// buffer by 2000 characters until the count says otherwise, which ends with the whole list
+// (or the same text). That outcome is read at once, so a list of thousands of names
+// costs one pass over the file instead of one per 2000 characters.
 template <typename Reader> std::string ReadGrowing(Reader read) {
-    std::size_t size = kFirstBufferSize;
-    for (;;) {
-        std::string got = read(size);
-        if (got.size() + 2 != size)
-            return got;
-        size += kBufferGrowth;
-    }
+    std::string got = read(kFirstBufferSize);
+    if (got.size() + 2 != kFirstBufferSize)
+        return got;
+    return read(std::numeric_limits<std::size_t>::max());
 }
 
 // An empty section or key name is passed as no name at all, which lists the sections or
@@ -137,10 +138,7 @@ int32_t CPrivateINI::GetLongValue(const std::string& SectionName, const std::str
     RequireFileName();
     std::string text =
         ReadProfileString(m_iniFile, BlankIfEmpty(SectionName), BlankIfEmpty(KeyName), "");
-    // The integer reader gives the default for an empty value as for a missing key.
-    if (text.empty())
-        return DefaultValue;
-    return IniFile::ParseProfileInt(text);
+    return IniFile::LongValue(text, DefaultValue);
 }
 
 std::vector<std::pair<std::string, std::string>>

@@ -22,6 +22,12 @@ CPrivateINIBatch::CPrivateINIBatch(const CPrivateINI& ini) : m_path(ini.INIFile(
         m_batch = IniBatch(*file);
 }
 
+CPrivateINIBatch::CPrivateINIBatch(const CPrivateINI& ini, const IniFile& start)
+    : m_path(ini.INIFile()), m_batch(start) {
+    if (m_path.empty())
+        throw NumberedError(52, "Bad file name or number");
+}
+
 void CPrivateINIBatch::PutValue(const std::string& SectionName, const std::string& KeyName,
                                 const std::string& NewValue) {
     m_batch.writeString(Ansi(SectionName), Ansi(KeyName), Ansi(NewValue));
@@ -41,9 +47,17 @@ void CPrivateINIBatch::DeleteSection(const std::string& SectionName) {
 }
 
 std::vector<std::string> CPrivateINIBatch::GetSections() const {
-    std::vector<std::string> names = m_batch.sectionNames();
-    for (std::string& name : names)
-        name = Win1252ToUtf8(name);
+    std::vector<std::string> names;
+    // The profile reader's list separates names with NUL, so a NUL inside a name splits
+    // it there, as CPrivateINI::GetSections splits it.
+    for (const std::string& name : m_batch.sectionNames())
+        for (std::size_t start = 0;;) {
+            const std::size_t nul = name.find('\0', start);
+            names.push_back(Win1252ToUtf8(std::string_view(name).substr(start, nul - start)));
+            if (nul == std::string::npos)
+                break;
+            start = nul + 1;
+        }
     return names;
 }
 
@@ -55,14 +69,28 @@ CPrivateINIBatch::GetPairs(const std::string& SectionName) {
     return SplitEntries(entries);
 }
 
+std::string CPrivateINIBatch::GetValue(const std::string& SectionName, const std::string& KeyName,
+                                       const std::string& DefaultValue) {
+    return Win1252ToUtf8(IniFile::KeyValue(m_batch.keyValue(Ansi(SectionName), Ansi(KeyName)),
+                                           Utf8ToWin1252(DefaultValue), kProfileBufferSize));
+}
+
+int32_t CPrivateINIBatch::GetLongValue(const std::string& SectionName, const std::string& KeyName,
+                                       int32_t DefaultValue) {
+    return IniFile::LongValue(IniFile::KeyValue(m_batch.keyValue(Ansi(SectionName), Ansi(KeyName)),
+                                                "", kProfileBufferSize),
+                              DefaultValue);
+}
+
 IniBatchCommit CPrivateINIBatch::Commit() {
     IniBatchCommit result;
     if (!m_readable) {
         result.error = "cannot read " + m_path;
         return result;
     }
-    if (m_batch.changed() && !m_batch.file().save(m_path)) {
-        result.error = "cannot write " + m_path;
+    std::string why;
+    if (m_batch.changed() && !m_batch.file().save(m_path, &why)) {
+        result.error = "cannot write " + m_path + ": " + why;
         return result;
     }
     result.ok = true;

@@ -1,10 +1,60 @@
 #include "base/FileBytes.h"
 
+#include "base/ReplaceFile.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace vexo {
+namespace {
+
+// Puts the file's data on the disk, so that the rename which follows cannot reach the
+// disk first: after a power cut the name would otherwise hold an empty file.
+bool FlushToDisk(std::FILE* f) {
+#ifdef _WIN32
+    return _commit(_fileno(f)) == 0;
+#else
+    // EINVAL: a file system that cannot sync (some network or FUSE mounts); the data
+    // still goes to the disk in the system's own time.
+    return ::fdatasync(::fileno(f)) == 0 || errno == EINVAL;
+#endif
+}
+
+// Creates or truncates `path` and writes `bytes`, each failure with the system's reason.
+bool WriteStream(const std::filesystem::path& path, std::string_view bytes, bool flushToDisk,
+                 std::string* error) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    if (!f) {
+        if (error)
+            *error = std::strerror(errno);
+        return false;
+    }
+    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size() &&
+              std::fflush(f) == 0 && (!flushToDisk || FlushToDisk(f));
+    int savedErrno = errno;
+    ok = (std::fclose(f) == 0) && ok;
+    if (!ok && error)
+        *error = std::strerror(savedErrno ? savedErrno : EIO);
+    return ok;
+}
+
+// The file that a write to `path` replaces: the file a symbolic link names, so that the
+// link stays a link.
+std::filesystem::path ReplacedFile(const std::filesystem::path& path) {
+    std::error_code ec;
+    if (!std::filesystem::is_symlink(path, ec))
+        return path;
+    std::filesystem::path target = std::filesystem::canonical(path, ec);
+    return ec ? path : target; // a dangling link is replaced like a file
+}
+
+} // namespace
 
 std::ifstream OpenForReading(const std::filesystem::path& path) {
     std::error_code ec;
@@ -55,19 +105,24 @@ FileBytes ReadFileBytes(const std::filesystem::path& path, std::size_t maxBytes)
     return result;
 }
 
-bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, std::string* error) {
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) {
-        if (error)
-            *error = std::strerror(errno);
+bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, std::string* error,
+                    bool flushToDisk) {
+    const std::filesystem::path file = ReplacedFile(path);
+    std::error_code ec;
+    const std::filesystem::file_status old = std::filesystem::status(file, ec);
+    // A device or a pipe has nothing to keep, and a rename would put a plain file in its
+    // place; a folder gives its own error here.
+    if (std::filesystem::exists(old) && !std::filesystem::is_regular_file(old))
+        return WriteStream(file, bytes, false, error);
+    const std::filesystem::path temp = TempFileFor(file);
+    if (!WriteStream(temp, bytes, flushToDisk, error)) {
+        DiscardTempFile(temp);
         return false;
     }
-    bool ok = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-    int savedErrno = errno;
-    ok = (std::fclose(f) == 0) && ok;
-    if (!ok && error)
-        *error = std::strerror(savedErrno ? savedErrno : EIO);
-    return ok;
+    // Best effort: a file system without permissions (FAT) still gets the content.
+    if (std::filesystem::exists(old))
+        std::filesystem::permissions(temp, old.permissions(), ec);
+    return ReplaceFileWith(temp, file, error);
 }
 
 } // namespace vexo

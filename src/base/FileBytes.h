@@ -26,9 +26,16 @@ bool CanOpen(const std::filesystem::path& path);
 // Reads at most `maxBytes` bytes of the file. Never throws for I/O problems.
 FileBytes ReadFileBytes(const std::filesystem::path& path, std::size_t maxBytes);
 
-// Writes `bytes` exactly, creating or overwriting the file, in one write. On failure
-// returns false and sets `error` to the system's description ("Permission denied");
-// a partly written file may remain.
-bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, std::string* error);
+// Writes `bytes` exactly as the file's new content, creating or replacing it. A regular
+// file (or a new one) is replaced through its temporary file (base/ReplaceFile.h),
+// renamed over it once complete, so a failed write or a killed program leaves the old
+// file as it was and never a torn one; a symbolic link keeps pointing at the replaced
+// file, and the new file keeps the old one's permissions. With `flushToDisk` the data
+// reaches the disk before the rename, so that even a power cut leaves the old or the new
+// file (it costs milliseconds; measurements pay it). Anything else that exists (a device
+// such as /dev/null, a pipe) is written in place. On failure returns false and sets
+// `error` to the system's description ("No space left on device").
+bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, std::string* error,
+                    bool flushToDisk = false);
 
 } // namespace vexo

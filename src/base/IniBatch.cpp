@@ -217,6 +217,17 @@ std::vector<std::string> IniBatch::sectionEntries(std::string_view section) {
     return entries;
 }
 
+std::optional<std::string> IniBatch::keyValue(std::string_view section, std::string_view key) {
+    Section* s = findSection(section);
+    if (!s)
+        return std::nullopt;
+    auto at = findKey(*s, key);
+    if (!at)
+        return std::nullopt;
+    auto value = ClassifyIniLine(s->lines[*at]).value;
+    return value ? std::optional<std::string>(*value) : std::nullopt;
+}
+
 IniFile IniBatch::file() const {
     std::vector<std::string> lines = m_preamble;
     for (const Section& s : m_sections)

@@ -35,6 +35,10 @@ public:
     // or the key alone for a line without '='), read from the lines as they now stand.
     std::vector<std::string> sectionNames() const;
     std::vector<std::string> sectionEntries(std::string_view section);
+    // The value (trimmed, quotes kept) of the first key of that name in the first section
+    // of that name, as IniFile::readString finds it; std::nullopt when the section, the
+    // key or its '=' is missing. Costs the same whatever the size of the file.
+    std::optional<std::string> keyValue(std::string_view section, std::string_view key);
 
     // True once any write changed the text.
     bool changed() const { return m_changed; }

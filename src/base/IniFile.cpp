@@ -1,10 +1,10 @@
 #include "base/IniFile.h"
 
+#include "base/FileBytes.h"
 #include "base/TextFile.h"
 #include "base/TextTrim.h"
 
 #include <algorithm>
-#include <fstream>
 #include <system_error>
 
 namespace vexo {
@@ -104,27 +104,6 @@ std::string FitList(const std::vector<std::string>& items, std::size_t size) {
     return list;
 }
 
-// Overwrites the file's bytes in place and then cuts it to length. Truncating to zero
-// first (as a plain rewrite does) makes ext4 force the data to disk at close, its guard
-// for files replaced by truncation, and that cost milliseconds for each of the forty-odd
-// key writes of one settings save.
-bool WriteInPlace(const std::filesystem::path& path, const std::string& bytes) {
-    std::fstream out(path, std::ios::in | std::ios::out | std::ios::binary);
-    if (!out.is_open()) {
-        std::ofstream created(path, std::ios::binary); // the file did not exist
-        created.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        created.close();
-        return !created.fail();
-    }
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (out.fail())
-        return false;
-    std::error_code ec;
-    std::filesystem::resize_file(path, bytes.size(), ec);
-    return !ec;
-}
-
 } // namespace
 
 IniFile IniFile::FromText(std::string_view ansiText) {
@@ -132,23 +111,25 @@ IniFile IniFile::FromText(std::string_view ansiText) {
 }
 
 std::optional<IniFile> IniFile::Load(const std::filesystem::path& path) {
-    auto text = ReadTextFile(path);
-    if (!text) {
+    FileBytes file = ReadFileBytes(path, std::size_t{256} << 20);
+    if (!file.ok) {
         std::error_code ec;
         if (!std::filesystem::exists(path, ec))
             return IniFile{};
         return std::nullopt;
     }
-    return FromText(Utf8ToWin1252(*text));
+    if (file.truncated)
+        return std::nullopt;
+    return FromText(file.bytes);
 }
 
-bool IniFile::save(const std::filesystem::path& path) const {
+bool IniFile::save(const std::filesystem::path& path, std::string* error) const {
     std::string bytes; // the lines are Windows-1252 already
     for (const auto& line : m_lines) {
         bytes.append(line);
         bytes.append("\r\n");
     }
-    return WriteInPlace(path, bytes);
+    return WriteFileBytes(path, bytes, error);
 }
 
 std::optional<IniFile::SectionSpan> IniFile::findSection(std::string_view name) const {
@@ -182,10 +163,15 @@ std::optional<std::size_t> IniFile::findKey(const SectionSpan& span, std::string
     return std::nullopt;
 }
 
+std::string IniFile::KeyValue(std::optional<std::string_view> found, std::string_view defaultValue,
+                              std::size_t bufferSize) {
+    return FitValue(found ? StripQuotes(*found) : StripQuotes(TrimDefault(defaultValue)),
+                    bufferSize);
+}
+
 std::string IniFile::readString(std::optional<std::string_view> section,
                                 std::optional<std::string_view> key, std::string_view defaultValue,
                                 std::size_t bufferSize) const {
-    std::string_view def = StripQuotes(TrimDefault(defaultValue));
     if (!section) {
         std::vector<std::string> names;
         for (const auto& line : m_lines) {
@@ -206,16 +192,14 @@ std::string IniFile::readString(std::optional<std::string_view> section,
                     keys.emplace_back(info.name);
             }
         if (keys.empty())
-            return FitValue(def, bufferSize);
+            return KeyValue(std::nullopt, defaultValue, bufferSize);
         return FitList(keys, bufferSize);
     }
-    if (span)
-        if (auto at = findKey(*span, *key)) {
-            LineInfo info = Classify(m_lines[*at]);
-            if (info.value)
-                return FitValue(StripQuotes(*info.value), bufferSize);
-        }
-    return FitValue(def, bufferSize);
+    std::optional<std::string_view> found;
+    std::optional<std::size_t> at;
+    if (span && (at = findKey(*span, *key)))
+        found = Classify(m_lines[*at]).value;
+    return KeyValue(found, defaultValue, bufferSize);
 }
 
 std::string IniFile::readSection(std::string_view section, std::size_t bufferSize) const {
@@ -245,15 +229,36 @@ bool IniFile::writeString(std::string_view section, std::optional<std::string_vi
 }
 
 bool IniFile::removeSections(std::string_view section) {
+    section = Trim(section);
+    // One pass, so that a file of thousands of sections of that name costs no more than
+    // reading it.
+    std::vector<std::string> kept;
+    kept.reserve(m_lines.size());
     bool changed = false;
-    while (auto span = findSection(section)) {
-        std::size_t last = span->lastEntry + 1;
-        while (last < span->end && Classify(m_lines[last]).kind == LineKind::Blank)
-            ++last;
-        m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(span->header),
-                      m_lines.begin() + static_cast<std::ptrdiff_t>(last));
+    for (std::size_t i = 0; i < m_lines.size();) {
+        LineInfo info = Classify(m_lines[i]);
+        if (info.kind != LineKind::Section || !NamesEqual(info.name, section)) {
+            kept.push_back(std::move(m_lines[i++]));
+            continue;
+        }
+        // The header, every line up to the last entry and the blank lines after it go;
+        // comments after them (introducing the next section) stay.
+        std::size_t end = i + 1, cut = i + 1;
+        for (; end < m_lines.size(); ++end) {
+            LineKind kind = Classify(m_lines[end]).kind;
+            if (kind == LineKind::Section)
+                break;
+            if (kind == LineKind::Entry)
+                cut = end + 1;
+        }
+        while (cut < end && Classify(m_lines[cut]).kind == LineKind::Blank)
+            ++cut;
+        for (std::size_t k = cut; k < end; ++k)
+            kept.push_back(std::move(m_lines[k]));
+        i = end;
         changed = true;
     }
+    m_lines = std::move(kept);
     return changed;
 }
 

@@ -36,6 +36,10 @@
 
 namespace vexo {
 
+// The profile reader's buffer as CPrivateINI sizes it at first: a value read by key fits
+// in it, so it reads as at most 999 characters.
+inline constexpr std::size_t kProfileBufferSize = 1000;
+
 class IniFile {
 public:
     IniFile() = default;
@@ -45,11 +49,13 @@ public:
     static IniFile FromText(std::string_view ansiText);
 
     // Reads the file from disk (Windows-1252 bytes kept as they are). A missing file is an
-    // empty one; std::nullopt when the file exists but cannot be read.
+    // empty one; std::nullopt when the file exists but cannot be read, or holds more than
+    // 256 MiB (a device that never ends, say).
     static std::optional<IniFile> Load(const std::filesystem::path& path);
-    // Writes every line followed by CR LF, creating the file or overwriting it in place
-    // (then cutting it to length). False when it cannot be written.
-    bool save(const std::filesystem::path& path) const;
+    // Writes every line followed by CR LF through WriteFileBytes (a failed write leaves
+    // the old file as it was). False, with the system's reason in `error`, when it
+    // cannot be written.
+    bool save(const std::filesystem::path& path, std::string* error = nullptr) const;
 
     const std::vector<std::string>& lines() const { return m_lines; }
 
@@ -89,11 +95,23 @@ public:
     // appended at the end. Returns true when the text changed.
     bool writeSection(std::string_view section, std::string_view entries);
 
+    // What GetPrivateProfileString leaves in a buffer of `bufferSize` characters for a
+    // key looked up by name: the key's value (`found`) with one pair of enclosing quotes
+    // removed, or when there is none the default with its trailing blanks dropped and
+    // quotes removed likewise; cut to bufferSize - 1 characters.
+    static std::string KeyValue(std::optional<std::string_view> found,
+                                std::string_view defaultValue, std::size_t bufferSize);
+
     // GetPrivateProfileInt's conversion of a value: leading blanks, an optional sign, an
     // optional base prefix 0x (hex), 0o (octal) or 0b (binary), then digits up to the
     // first character that is not one; wraps modulo 2^32 like the 32-bit original.
     // Text that does not begin with a number gives 0.
     static int32_t ParseProfileInt(std::string_view text);
+    // The integer reader's rule: the default for an empty value (as for a missing key),
+    // else ParseProfileInt.
+    static int32_t LongValue(std::string_view text, int32_t defaultValue) {
+        return text.empty() ? defaultValue : ParseProfileInt(text);
+    }
 
 private:
     struct SectionSpan {

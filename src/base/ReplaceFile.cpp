@@ -5,9 +5,7 @@
 namespace vexo {
 
 std::filesystem::path TempFileFor(const std::filesystem::path& file) {
-    std::filesystem::path temp = file;
-    temp += ".tmp";
-    return temp;
+    return file.parent_path() / ("." + file.filename().string() + ".tmp");
 }
 
 bool ReplaceFileWith(const std::filesystem::path& temp, const std::filesystem::path& file,

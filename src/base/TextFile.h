@@ -33,8 +33,9 @@ public:
         m_text.append(text);
         m_text.append("\r\n");
     }
-    // Writes (creating or overwriting) the file. On failure returns false and sets
-    // `error` to a description such as "Permission denied"; a partial file may remain.
+    // Writes (creating or replacing) the file through WriteFileBytes, so a failed write
+    // leaves the old file as it was. On failure returns false and sets `error` to a
+    // description such as "No space left on device".
     bool save(const std::filesystem::path& path, std::string* error = nullptr) const;
     const std::string& text() const { return m_text; }
 

@@ -113,6 +113,11 @@ OpenedSpectrum OpenForCli(const std::string& path) {
     opened.result = OpenSpectrumWithRois(*opened.doc, opened.rois, path);
     if (!opened.result.opened)
         throw Failure{"cannot read " + path + ": " + opened.result.error};
+    // A file that starts as a full spectrum file is one: read as plain counts it would
+    // lose its times, calibration and ROIs, so its own reader's complaint is the error.
+    if (opened.result.fullHeader && !opened.result.full)
+        throw Failure{"reading " + path +
+                      " as a full spectrum file failed: " + opened.result.fullError};
     if (!opened.result.error.empty())
         throw Failure{"reading " + path + " as plain counts stopped: " + opened.result.error};
     return opened;

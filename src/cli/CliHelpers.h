@@ -74,7 +74,8 @@ struct OpenedSpectrum {
     OpenResult result;
 };
 
-// Opens `path` into a fresh document. Throws Failure when the file cannot be read, or
+// Opens `path` into a fresh document. Throws Failure when the file cannot be read, when
+// it starts as a full spectrum file that the full reader cannot take (its reason), or
 // when reading it as plain counts stopped at a bad value.
 OpenedSpectrum OpenForCli(const std::string& path);
 

@@ -11,7 +11,6 @@
 #include "CliHelpers.h"
 #include "base/NumberText.h"
 #include "base/Rounding.h"
-#include "base/TextFile.h"
 #include "nuclide/LaraFile.h"
 #include "nuclide/NuclideLibrary.h"
 
@@ -152,15 +151,7 @@ int RunNuclib(const std::vector<std::string>& args) {
         }
         std::printf("%-8s %zu line(s)\n", name.c_str(), kept.size());
     }
-    // Start from a file that holds only the notes, so the library has exactly these
-    // lines; the INI writer keeps lines that stand before the first section.
-    TextFileWriter head;
-    for (const std::string& note : o.notes)
-        head.line("; " + note);
-    std::string error;
-    if (!head.save(o.out, &error))
-        throw Failure{"cannot write " + o.out.string() + ": " + error};
-    NuclideLibraryWrite written = WriteNuclideLibrary(o.out, lines);
+    NuclideLibraryWrite written = ReplaceNuclideLibrary(o.out, lines, o.notes);
     if (!written.ok)
         throw Failure{written.error};
     std::printf("%s: %zu line(s) of %zu nuclide(s)\n", o.out.string().c_str(), sectionNames.size(),

@@ -23,8 +23,9 @@ int LoadCategories(const std::filesystem::path& appDir, CategoryList& list, Mess
         messages.exclamation("Error opening file: " + path);
         return -1;
     }
-    CPrivateINI ini;
-    ini.setINIFile(path);
+    CPrivateINI named;
+    named.setINIFile(path);
+    CPrivateINIBatch ini(named); // one read of the file for every key
     const std::vector<std::string> sections = ini.GetSections();
     list.resize(sections.empty() ? 1 : sections.size());
     for (std::size_t k = 1; k < sections.size(); ++k) {

@@ -16,75 +16,24 @@
 namespace vexo {
 namespace {
 
-char LowerAscii(char c) {
-    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// The keys of one line section, from one read of the section instead of one per key.
-// value() gives what CPrivateINI::GetValue gives: the first key of that name (letter
-// case ignored), one pair of enclosing quotes removed, at most 999 characters, and the
-// default for a missing key. A key line without "=" reads as empty here where GetValue
-// gives the default; every key of a library line defaults to empty, so the two agree.
-class SectionValues {
-public:
-    SectionValues(CPrivateINIBatch& ini, const std::string& section)
-        : m_pairs(ini.GetPairs(section)) {}
-
-    std::string value(std::string_view key, const std::string& defaultValue) const {
-        for (const auto& [name, value] : m_pairs)
-            if (EqualNoCase(name, key))
-                return FitValue(StripQuotes(value));
-        return defaultValue;
-    }
-    // GetLongValue's rule: the default for an empty or missing value, else the integer the
-    // text begins with (0 when it does not begin with one).
-    int32_t longValue(std::string_view key, int32_t defaultValue) const {
-        std::string text = value(key, "");
-        return text.empty() ? defaultValue : IniFile::ParseProfileInt(Utf8ToWin1252(text));
-    }
-    // A number with the library's lenient rule, as a single.
-    float number(std::string_view key) const { return CSng(LeadingNumber(value(key, ""))); }
-
-private:
-    static bool EqualNoCase(std::string_view a, std::string_view b) {
-        if (a.size() != b.size())
-            return false;
-        for (std::size_t i = 0; i < a.size(); ++i)
-            if (LowerAscii(a[i]) != LowerAscii(b[i]))
-                return false;
-        return true;
-    }
-    static std::string StripQuotes(const std::string& v) {
-        if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
-            return v.substr(1, v.size() - 2);
-        return v;
-    }
-    // The store reads a value into a 1000-character buffer (Windows-1252 characters).
-    static std::string FitValue(const std::string& utf8) {
-        std::string ansi = Utf8ToWin1252(utf8);
-        if (ansi.size() <= 999)
-            return utf8;
-        return Win1252ToUtf8(std::string_view(ansi).substr(0, 999));
-    }
-
-    std::vector<std::pair<std::string, std::string>> m_pairs;
-};
-
 // Reads one line section. Throws OverflowError for a number beyond its type's range.
 clsNuclide ReadLine(CPrivateINIBatch& ini, const std::string& section,
                     std::vector<std::string>& warnings) {
-    SectionValues keys(ini, section);
+    // A number with the library's lenient rule, as a single.
+    auto number = [&](const char* key) {
+        return CSng(LeadingNumber(ini.GetValue(section, key, "")));
+    };
     clsNuclide line;
-    line.szElemName = keys.value("NucName", "");
-    int32_t atomicNumber = keys.longValue("AtNo", 0);
+    line.szElemName = ini.GetValue(section, "NucName", "");
+    int32_t atomicNumber = ini.GetLongValue(section, "AtNo", 0);
     if (atomicNumber < -32768 || atomicNumber > 32767)
         throw OverflowError("atomic number " + std::to_string(atomicNumber) + " out of range");
     line.nAtNum = static_cast<int16_t>(atomicNumber);
-    float halfLife = keys.number("HL");
-    std::string unitText = keys.value("HLUnits", "");
-    line.sEnergy = keys.number("En");
-    line.sIntensity = keys.number("Int");
-    std::string radiationText = keys.value("RadID", "");
+    float halfLife = number("HL");
+    std::string unitText = ini.GetValue(section, "HLUnits", "");
+    line.sEnergy = number("En");
+    line.sIntensity = number("Int");
+    std::string radiationText = ini.GetValue(section, "RadID", "");
 
     auto unit = HalfLifeUnitOfText(unitText);
     line.bSetHL(halfLife, 0.0f, unit ? UnitCode(*unit) : std::string());
@@ -156,44 +105,67 @@ NuclideLibraryRead ReadNuclideLibrary(const std::filesystem::path& path) {
     return result;
 }
 
-NuclideLibraryWrite WriteNuclideLibrary(const std::filesystem::path& path,
-                                        const std::vector<clsNuclide>& lines) {
+namespace {
+
+// The identification and every line's section, then one write of the file.
+NuclideLibraryWrite PutLibrary(CPrivateINIBatch& batch, const std::vector<clsNuclide>& lines) {
     NuclideLibraryWrite result;
+    batch.PutValue(kLibraryInfoSection, kLibraryIdKey, kLibraryIdValue);
+    for (const clsNuclide& line : lines) {
+        const std::string s = LibrarySectionName(line);
+        batch.PutValue(s, "NucName", line.szElemName);
+        batch.PutLongValue(s, "AtNo", line.nAtNum);
+        // Placeholders that older readers expect; nothing reads them.
+        batch.PutValue(s, "NucTypes", "TYPE");
+        batch.PutValue(s, "NucDecayMode", "DECAYMODE");
+        batch.PutValue(s, "NucDecayBranch", "0.0");
+        batch.PutValue(s, "HL", LibraryNumberText(line.sHL()));
+        batch.PutValue(s, "DHL", LibraryNumberText(line.sDHL));
+        batch.PutValue(s, "HLUnits", HalfLifeUnitText(line.eUnits()));
+        batch.PutValue(s, "En", LibraryNumberText(line.sEnergy));
+        batch.PutValue(s, "DEn", LibraryNumberText(line.sDEnergy));
+        batch.PutValue(s, "Int", LibraryNumberText(line.sIntensity));
+        batch.PutValue(s, "DInt", LibraryNumberText(line.sDIntensity));
+        batch.PutValue(s, "RadID", line.szDecayRadEx());
+    }
+    IniBatchCommit committed = batch.Commit();
+    result.ok = committed.ok;
+    result.error = committed.error;
+    return result;
+}
+
+CPrivateINI NamedIni(const std::filesystem::path& path) {
     CPrivateINI ini;
     ini.setINIFile(path.string());
+    return ini;
+}
+
+} // namespace
+
+NuclideLibraryWrite WriteNuclideLibrary(const std::filesystem::path& path,
+                                        const std::vector<clsNuclide>& lines) {
     try {
         // One read and one write of the file for the whole library, with the bytes that a
         // PutValue per key would leave.
-        CPrivateINIBatch batch(ini);
-        batch.PutValue(kLibraryInfoSection, kLibraryIdKey, kLibraryIdValue);
-        for (const clsNuclide& line : lines) {
-            const std::string s = LibrarySectionName(line);
-            batch.PutValue(s, "NucName", line.szElemName);
-            batch.PutLongValue(s, "AtNo", line.nAtNum);
-            // Placeholders that older readers expect; nothing reads them.
-            batch.PutValue(s, "NucTypes", "TYPE");
-            batch.PutValue(s, "NucDecayMode", "DECAYMODE");
-            batch.PutValue(s, "NucDecayBranch", "0.0");
-            batch.PutValue(s, "HL", LibraryNumberText(line.sHL()));
-            batch.PutValue(s, "DHL", LibraryNumberText(line.sDHL));
-            batch.PutValue(s, "HLUnits", HalfLifeUnitText(line.eUnits()));
-            batch.PutValue(s, "En", LibraryNumberText(line.sEnergy));
-            batch.PutValue(s, "DEn", LibraryNumberText(line.sDEnergy));
-            batch.PutValue(s, "Int", LibraryNumberText(line.sIntensity));
-            batch.PutValue(s, "DInt", LibraryNumberText(line.sDIntensity));
-            batch.PutValue(s, "RadID", line.szDecayRadEx());
-        }
-        IniBatchCommit committed = batch.Commit();
-        if (!committed.ok) {
-            result.error = committed.error;
-            return result;
-        }
+        CPrivateINIBatch batch(NamedIni(path));
+        return PutLibrary(batch, lines);
     } catch (const NumberedError& e) {
-        result.error = e.what();
-        return result;
+        return {false, e.what()};
     }
-    result.ok = true;
-    return result;
+}
+
+NuclideLibraryWrite ReplaceNuclideLibrary(const std::filesystem::path& path,
+                                          const std::vector<clsNuclide>& lines,
+                                          const std::vector<std::string>& comments) {
+    std::vector<std::string> head;
+    for (const std::string& comment : comments)
+        head.push_back(Utf8ToWin1252("; " + comment));
+    try {
+        CPrivateINIBatch batch(NamedIni(path), IniFile(std::move(head)));
+        return PutLibrary(batch, lines);
+    } catch (const NumberedError& e) {
+        return {false, e.what()};
+    }
 }
 
 } // namespace vexo

@@ -62,4 +62,11 @@ struct NuclideLibraryWrite {
 NuclideLibraryWrite WriteNuclideLibrary(const std::filesystem::path& path,
                                         const std::vector<clsNuclide>& lines);
 
+// The same written as a new file that replaces whatever `path` holds, without reading
+// it: each of `comments` as a line "; " + comment, then the library. One write, so a
+// failing one (a full disk) ends at once with its error.
+NuclideLibraryWrite ReplaceNuclideLibrary(const std::filesystem::path& path,
+                                          const std::vector<clsNuclide>& lines,
+                                          const std::vector<std::string>& comments);
+
 } // namespace vexo

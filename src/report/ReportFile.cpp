@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "base/FileBytes.h"
-#include "base/ReplaceFile.h"
 #include "base/TextFile.h"
 #include "base/VexoError.h"
 #include "report/ReportBuilder.h"
@@ -11,16 +10,11 @@ namespace vexo {
 
 ReportWriteResult WriteReportFile(const std::filesystem::path& file, std::string_view text) {
     ReportWriteResult result;
-    const std::filesystem::path temp = TempFileFor(file);
     // Pages are ASCII but for the user's own texts; only those need converting.
     const bool ascii = std::all_of(text.begin(), text.end(),
                                    [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     const std::string converted = ascii ? std::string() : Utf8ToWin1252(text);
-    if (!WriteFileBytes(temp, ascii ? text : std::string_view(converted), &result.error)) {
-        DiscardTempFile(temp);
-        return result;
-    }
-    result.ok = ReplaceFileWith(temp, file, &result.error);
+    result.ok = WriteFileBytes(file, ascii ? text : std::string_view(converted), &result.error);
     return result;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/AppDir.h"
 #include "base/CPrivateINI.h"
+#include "base/CPrivateINIBatch.h"
 #include "base/VexoError.h"
 
 #include <system_error>
@@ -25,7 +26,7 @@ ReportStyleList DefaultOnly() {
     return list;
 }
 
-ReportStyle ReadStyle(CPrivateINI& ini, const std::string& section, int index) {
+ReportStyle ReadStyle(CPrivateINIBatch& ini, const std::string& section, int index) {
     ReportStyle style;
     style.sectionName = section;
     style.index = To16Bit(index);
@@ -71,8 +72,9 @@ ReportStyleList LoadReportStyles(const std::filesystem::path& appDir, Messages& 
                              kMessageTitle);
         return DefaultOnly();
     }
-    CPrivateINI ini;
-    ini.setINIFile(path);
+    CPrivateINI named;
+    named.setINIFile(path);
+    CPrivateINIBatch ini(named); // one read of the file for every key of every style
     std::vector<std::string> sections = ini.GetSections();
     if (sections.empty()) {
         messages.information("No report style definitions found in file " + path + kDefaultUsed,

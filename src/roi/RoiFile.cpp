@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "base/CPrivateINI.h"
+#include "base/CPrivateINIBatch.h"
 #include "base/NumberText.h"
 #include "base/TextFile.h"
 #include "base/TextTrim.h"
@@ -52,7 +53,7 @@ float LeadingEnergy(const std::string& text) {
     return static_cast<float>(value);
 }
 
-clsROI ReadSection(CPrivateINI& ini, const std::string& section) {
+clsROI ReadSection(CPrivateINIBatch& ini, const std::string& section) {
     clsROI roi;
     roi.set_vntID(ini.GetValue(section, "RoiID", ""));
     roi.set_lROILCh(ini.GetLongValue(section, "RoiLeftCh", 1));
@@ -82,8 +83,9 @@ RoiFileContents ReadRoiFile(const std::filesystem::path& path) {
     if (!std::filesystem::is_regular_file(path, ec))
         return result;
     result.ok = true;
-    CPrivateINI ini;
-    ini.setINIFile(path.string());
+    CPrivateINI named;
+    named.setINIFile(path.string());
+    CPrivateINIBatch ini(named); // one read of the file for every key of every ROI
     for (const std::string& section : ini.GetSections())
         result.rois.push_back(ReadSection(ini, section));
     return result;

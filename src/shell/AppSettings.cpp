@@ -121,14 +121,14 @@ template <class Object> decltype(auto) FieldOf(Object& settings, RoiColorSlot sl
 
 // Flags and integers are read as integers, a flag being true when non-zero; texts as
 // they stand.
-void ReadValue(CPrivateINI& ini, const char* section, const char* key, bool& value, bool def) {
+void ReadValue(CPrivateINIBatch& ini, const char* section, const char* key, bool& value, bool def) {
     value = ini.GetLongValue(section, key, def ? kTrue : kFalse) != 0;
 }
-void ReadValue(CPrivateINI& ini, const char* section, const char* key, int32_t& value,
+void ReadValue(CPrivateINIBatch& ini, const char* section, const char* key, int32_t& value,
                int32_t def) {
     value = ini.GetLongValue(section, key, def);
 }
-void ReadValue(CPrivateINI& ini, const char* section, const char* key, std::string& value,
+void ReadValue(CPrivateINIBatch& ini, const char* section, const char* key, std::string& value,
                const std::string& def) {
     value = ini.GetValue(section, key, def);
 }
@@ -148,7 +148,7 @@ void WriteValue(CPrivateINIBatch& ini, const char* section, const char* key,
 // Reads every key that is read, in table order; a missing key takes its value in
 // `defaults`.
 template <class Field, class Record>
-void ReadKeys(CPrivateINI& ini, std::span<const SettingsKey<Field>> keys, Record& record,
+void ReadKeys(CPrivateINIBatch& ini, std::span<const SettingsKey<Field>> keys, Record& record,
               const Record& defaults) {
     for (const SettingsKey<Field>& k : keys) {
         if (k.use == KeyUse::WrittenOnly)
@@ -200,7 +200,7 @@ bool LoadSettings(AppSettings& settings, const std::filesystem::path& appDir, Me
     // overflows) ends the load as a plain failure: the caller carries on with what was
     // read, and the user is told nothing, as the program has always done.
     try {
-        CPrivateINI ini = SettingsStore(path);
+        CPrivateINIBatch ini(SettingsStore(path)); // the file is read once for every key
         const AppSettings defaults;
         ReadKeys<SettingsField>(ini, kKeysBeforeStyle, settings, defaults);
         settings.Style = ResolveReportStyle(LoadReportStyles(appDir, messages), settings.RepStyle);
@@ -227,7 +227,7 @@ bool SaveSettings(const AppSettings& settings, bool batchOnly,
 
 void LoadFormLocation(FormLocation& location, const std::filesystem::path& appDir,
                       int screenWidthPx, int screenHeightPx) {
-    CPrivateINI ini = SettingsStore(SettingsFilePath(appDir));
+    CPrivateINIBatch ini(SettingsStore(SettingsFilePath(appDir)));
     FormLocation defaults;
     defaults.Left = CentredEdge(screenWidthPx, defaults.Width);
     defaults.Top = CentredEdge(screenHeightPx, defaults.Height);

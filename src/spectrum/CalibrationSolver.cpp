@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/CPrivateINI.h"
+#include "base/CPrivateINIBatch.h"
 #include "base/FileBytes.h"
 #include "base/NumberText.h"
 #include "base/Rounding.h"
@@ -172,8 +173,9 @@ std::vector<LibraryLine> ReadLibraryLines(const std::filesystem::path& libraryPa
         return lines;
     }
     try {
-        CPrivateINI ini;
-        ini.setINIFile(libraryPath.string());
+        CPrivateINI named;
+        named.setINIFile(libraryPath.string());
+        CPrivateINIBatch ini(named); // one read of the file, not one per line
         std::vector<std::string> sections = ini.GetSections();
         // The first section is the file's header ("Info"); the lines follow it.
         for (std::size_t i = 1; i < sections.size(); ++i)

@@ -1,5 +1,6 @@
 #include "spectrum/SpectrumCommands.h"
 
+#include "base/FileBytes.h"
 #include "spectrum/PlainCountsFile.h"
 #include "spectrum/SpectrumFile.h"
 
@@ -15,6 +16,7 @@ OpenResult OpenSpectrum(SpectrumDocument& doc, const std::filesystem::path& path
     doc.plot.rois.clear();
     doc.resetCalibration();
     result.full = bReadFullSpectrum(doc, path, &result.fullError);
+    result.fullHeader = result.full || StartsAsFullSpectrum(ReadFileBytes(path, 9).bytes);
     if (result.full) {
         result.opened = true;
     } else {

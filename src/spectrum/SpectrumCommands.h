@@ -29,11 +29,12 @@ constexpr std::string_view kSaveAllSpectrumFilter =
     "All files (*.*)|*.*";
 
 struct OpenResult {
-    bool full = false;     // read as a full spectrum file
-    bool opened = false;   // the file could be read at all (full or plain)
-    std::string fullError; // why the full reader declined (a plain file is normal)
-    std::string error;     // why the file could not be read, or why plain reading stopped
-    std::string notice;    // what a plain read met besides counts (PlainCountsNotice)
+    bool full = false;       // read as a full spectrum file
+    bool fullHeader = false; // it starts as one ("$SPEC_ID:"), read as one or not
+    bool opened = false;     // the file could be read at all (full or plain)
+    std::string fullError;   // why the full reader declined (a plain file is normal)
+    std::string error;       // why the file could not be read, or why plain reading stopped
+    std::string notice;      // what a plain read met besides counts (PlainCountsNotice)
 };
 
 // Open: starts a new empty ROI collection and plot ROI list, resets the calibration to

@@ -19,9 +19,14 @@
 
 namespace vexo {
 
-// The reader looks at no more than this much of a file; a larger file is not read as a
-// full spectrum file. Real files are well under 1 MiB.
-constexpr std::size_t kMaxSpectrumFileBytes = std::size_t{8} << 20;
+// The reader looks at no more than this much of a file, so a huge or endless file cannot
+// exhaust memory; a larger file is not read as a full spectrum file. Real files are well
+// under a few MiB even with thousands of ROIs; this is far beyond them.
+constexpr std::size_t kMaxSpectrumFileBytes = std::size_t{256} << 20;
+
+// Whether bytes begin as a full spectrum file does: its first line starts "$SPEC_ID:".
+// Such a file is meant to be read as a full file, whatever its size or later faults.
+bool StartsAsFullSpectrum(std::string_view bytes);
 
 // The file's bytes as written: Windows-1252, lines ended by CR LF. The calibration comes
 // from the plot's 32-bit copy (doc.plot), the ROI lines from doc.plot.rois. The last
@@ -30,14 +35,15 @@ constexpr std::size_t kMaxSpectrumFileBytes = std::size_t{8} << 20;
 // would run past the counts array).
 std::string FullSpectrumBytes(const SpectrumDocument& doc);
 
-// Writes (creates or overwrites) the full spectrum file. False after any error, with a
-// description in `error` (for example "Permission denied"); a partly written file may
-// remain. Does not show any message.
+// Writes (creates or replaces) the full spectrum file through WriteFileBytes, flushed to
+// disk, so neither a failed write nor a crash leaves a torn file under its name. False after any
+// error, with a description in `error` (for example "No space left on device"). Does not show any
+// message.
 bool bSaveFullSpectrum(const SpectrumDocument& doc, const std::filesystem::path& path,
                        std::string* error = nullptr);
 
-// Reads a full spectrum file into `doc`. False when the file cannot be read, is larger
-// than kMaxSpectrumFileBytes, does not start with "$SPEC_ID:", or a section is broken
+// Reads a full spectrum file into `doc`. False when the file cannot be read, does not
+// start with "$SPEC_ID:", is larger than kMaxSpectrumFileBytes, or a section is broken
 // (a number past the end of the file, a value out of range, an impossible date);
 // whatever was read before the error stays in `doc`. `error` receives the reason.
 //

@@ -218,20 +218,28 @@ bool Fail(std::string* error, const std::string& reason) {
 
 } // namespace
 
+bool StartsAsFullSpectrum(std::string_view bytes) {
+    // Nine characters without a line end among them are the start of the first line.
+    return bytes.substr(0, 9) == "$SPEC_ID:";
+}
+
 bool ParseFullSpectrum(SpectrumDocument& doc, std::string_view bytes, std::string* error) {
-    FieldReader in(bytes);
-    auto first = in.readLine();
-    if (!first || first->substr(0, 9) != "$SPEC_ID:")
+    if (!StartsAsFullSpectrum(bytes))
         return Fail(error, "not a full spectrum file (no \"$SPEC_ID:\" line)");
+    FieldReader in(bytes);
+    in.readLine(); // the "$SPEC_ID:" line
+    std::string_view section = "$SPEC_ID:";
     try {
         doc.szSpectrumID = Win1252ToUtf8(RequireLine(in));
         ResetPresets(doc);
-        while (auto line = in.readLine())
+        while (auto line = in.readLine()) {
+            section = *line; // only a tag line's section can fail
             ReadSection(*line, in, doc);
+        }
     } catch (const std::runtime_error& e) {
         // Input past the end, overflow, an impossible date: the file is broken. The
-        // result says so; what was read so far stays, as the format defines.
-        return Fail(error, e.what());
+        // result says so and where; what was read so far stays, as the format defines.
+        return Fail(error, std::string(e.what()) + " in " + std::string(section));
     }
     return true;
 }
@@ -241,8 +249,9 @@ bool bReadFullSpectrum(SpectrumDocument& doc, const std::filesystem::path& path,
     FileBytes file = ReadFileBytes(path, kMaxSpectrumFileBytes);
     if (!file.ok)
         return Fail(error, file.error);
-    if (file.truncated)
-        return Fail(error, "file too large for a spectrum file");
+    if (file.truncated && StartsAsFullSpectrum(file.bytes))
+        return Fail(error, "a spectrum file larger than " +
+                               std::to_string(kMaxSpectrumFileBytes >> 20) + " MiB");
     return ParseFullSpectrum(doc, file.bytes, error);
 }
 

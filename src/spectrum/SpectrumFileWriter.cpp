@@ -130,7 +130,8 @@ bool bSaveFullSpectrum(const SpectrumDocument& doc, const std::filesystem::path&
             *error = e.what();
         return false;
     }
-    return WriteFileBytes(path, bytes, error);
+    // A measurement cannot be taken again: it is on the disk before it takes the name.
+    return WriteFileBytes(path, bytes, error, true);
 }
 
 } // namespace vexo

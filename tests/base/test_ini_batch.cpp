@@ -135,7 +135,7 @@ TEST(IniBatch, SameBytesAsOneWriteAtATime) {
     }
 }
 
-// Whole-file readers read through a batch: same sections and pairs as CPrivateINI.
+// Whole-file readers read through a batch: same sections, pairs and values as CPrivateINI.
 TEST(IniBatch, ReadsAsCPrivateINIReads) {
     vexo::test::TempDir dir;
     for (unsigned seed = 1; seed <= 200; ++seed) {
@@ -149,8 +149,12 @@ TEST(IniBatch, ReadsAsCPrivateINIReads) {
         ASSERT_EQ(batch.GetSections(), sections) << seed;
         std::vector<std::string> names = sections;
         names.push_back(r.section());
-        for (const std::string& name : names)
+        for (const std::string& name : names) {
             ASSERT_EQ(batch.GetPairs(name), ini.GetPairs(name)) << seed << " [" << name << "]";
+            const std::string key = r.key();
+            ASSERT_EQ(batch.GetValue(name, key, " 'd' "), ini.GetValue(name, key, " 'd' ")) << seed;
+            ASSERT_EQ(batch.GetLongValue(name, key, 7), ini.GetLongValue(name, key, 7)) << seed;
+        }
     }
 }
 

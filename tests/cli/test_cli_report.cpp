@@ -118,7 +118,7 @@ TEST(CliReport, RefusalsLeaveAGoodPageAlone) {
         {{"report", SmallFull(), "--appdir", dir}, "print.html"},
     };
     test::WriteBytes(app / "print.html", "good page");
-    std::filesystem::create_directory(app / "print.html.tmp");
+    std::filesystem::create_directory(app / ".print.html.tmp");
     for (const Case& c : cases) {
         CliRun run = Cli(c.args);
         EXPECT_EQ(run.exitCode, 1) << c.says;

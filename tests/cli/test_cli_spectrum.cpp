@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "TestSupport.h"
+#include "spectrum/SpectrumFile.h"
 
 namespace vexo {
 namespace {
@@ -52,6 +53,17 @@ TEST(CliInfo, PlainFileAndTextOutput) {
     EXPECT_NE(text.out.find("21.6 cps"), std::string::npos);
 }
 
+// A file that starts as a full spectrum file but breaks is reported with the full
+// reader's reason, not as plain counts.
+TEST(CliInfo, BrokenFullFileSaysWhatFailed) {
+    TempDir dir;
+    test::WriteBytes(dir / "o.spe", "$SPEC_ID:\r\nx\r\n$DATA:\r\n0 1\r\n5 99999999999\r\n");
+    CliRun run = Cli({"info", (dir / "o.spe").string()});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find("as a full spectrum file failed: Overflow in $DATA:"), std::string::npos)
+        << run.err;
+}
+
 TEST(CliConvert, FullRoundTripAndPlain) {
     TempDir dir;
     std::string full = (dir / "copy.spe").string();
@@ -64,6 +76,28 @@ TEST(CliConvert, FullRoundTripAndPlain) {
     CliRun failed = Cli({"convert", SmallFull(), (dir / "no" / "x.spe").string(), "--full"});
     EXPECT_EQ(failed.exitCode, 1);
     EXPECT_NE(failed.err.find("Error saving file: "), std::string::npos);
+}
+
+// A write that fails part-way (at the file size limit, as on a full disk) reports why and
+// leaves the file it was to replace as it was.
+TEST(CliConvert, FailedWriteKeepsTheOldFile) {
+    TempDir dir;
+    auto big = std::make_unique<SpectrumDocument>();
+    big->lChannels = 16384;
+    big->lCounts.fill(1234567);
+    ASSERT_TRUE(bSaveFullSpectrum(*big, dir / "big.spe")); // about 230 KB, plain 160 KB
+    const std::string good = test::ReadBytes(SmallFull());
+    for (const char* mode : {"--full", "--plain"}) {
+        test::WriteBytes(dir / "good.spe", good);
+        // At most 100 blocks per file; with SIGXFSZ ignored the write fails with EFBIG.
+        CliRun run = test::RunCli(
+            "convert " + test::Quoted((dir / "big.spe").string()) + " " +
+                test::Quoted((dir / "good.spe").string()) + " " + mode,
+            "sh -c " + test::Quoted("trap '' XFSZ; ulimit -f 100; exec \"$0\" \"$@\""));
+        EXPECT_EQ(run.exitCode, 1) << mode;
+        EXPECT_NE(run.err.find("File too large"), std::string::npos) << run.err;
+        EXPECT_EQ(test::ReadBytes(dir / "good.spe"), good) << mode;
+    }
 }
 
 TEST(CliEnergy, BothDirectionsAndFaults) {

@@ -26,6 +26,20 @@ TEST(NuclibCommand, UsageErrorsAndMissingDecayData) {
     EXPECT_NE(run.err.find("Cs-137.lara.txt"), std::string::npos) << run.err;
 }
 
+// A library that cannot be written (a full disk) ends at once with the system's reason.
+TEST(NuclibCommand, FullDiskEndsAtOnce) {
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "no /dev/full";
+    TempDir dir;
+    WriteBytes(dir / "Cs-137.lara.txt",
+               "Nuclide ; Cs-137\nZ ; 55\nEnergy (keV) ; u ; I ; u ; Type ; "
+               "Origin\n661.6553 ; 0.003 ; 85.01 ; 0.20 ; g ; Ba-137\n");
+    const CliRun run =
+        RunCli("nuclib --lara " + Quoted(dir.path().string()) + " --out /dev/full Cs-137");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find("No space left on device"), std::string::npos) << run.err;
+}
+
 // The section names of the library written by `nuclib ... options nuclides`.
 std::vector<std::string> Written(const std::string& options) {
     TempDir dir;

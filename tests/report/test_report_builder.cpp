@@ -300,7 +300,7 @@ TEST(ReportFile, WritesWindows1252AndKeepsTheOldFileOnFailure) {
     ASSERT_TRUE(WriteReportFile(file, "M\xC3\xBCller\r\n").ok);
     EXPECT_EQ(test::ReadBytes(file), "M\xFCller\r\n");
     // The temporary file cannot be made (a folder has its name): the old page stays.
-    std::filesystem::create_directory(dir / "print.html.tmp");
+    std::filesystem::create_directory(dir / ".print.html.tmp");
     ReportWriteResult r = WriteReportFile(file, "new\r\n");
     EXPECT_FALSE(r.ok);
     EXPECT_FALSE(r.error.empty());
@@ -310,5 +310,5 @@ TEST(ReportFile, WritesWindows1252AndKeepsTheOldFileOnFailure) {
     std::filesystem::create_directories(blocked / "x");
     r = WriteReportFile(blocked, "new\r\n");
     EXPECT_FALSE(r.ok);
-    EXPECT_FALSE(std::filesystem::exists(dir / "sub" / "print.html.tmp"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "sub" / ".print.html.tmp"));
 }

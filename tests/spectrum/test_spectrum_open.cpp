@@ -88,18 +88,16 @@ TEST(OpenSpectrum, PlainFilesStopAt16384ValuesOrAtAValueBeyond32Bits) {
     EXPECT_EQ(result.error, "Overflow in value 3");
 }
 
-TEST(OpenSpectrum, OversizedFileIsNotReadAsFullButItsStartAsPlain) {
+// A full file is read as one whatever its size (thousands of ROIs, long notes).
+TEST(OpenSpectrum, LargeFullFileKeepsItsRecord) {
     TempDir dir;
     std::string text = "$SPEC_ID:\r\nhuge\r\n$DATA:\r\n0 3\r\n1 2 3 4\r\n";
-    text.append(kMaxSpectrumFileBytes, ' ');
+    text.append(std::size_t{9} << 20, ' '); // a line the reader skips
     test::WriteBytes(dir / "huge.spe", text);
-    auto doc = std::make_unique<SpectrumDocument>();
-    OpenResult result = OpenSpectrum(*doc, dir / "huge.spe");
-    EXPECT_FALSE(result.full);
-    EXPECT_EQ(result.fullError, "file too large for a spectrum file");
-    // "$SPEC_ID:", "huge", "$DATA:" read as 0, then 0 3 1 2 3 4.
-    EXPECT_EQ(doc->lChannels, 9);
-    EXPECT_EQ(doc->lCounts[8], 4);
+    auto doc = Open(dir / "huge.spe", true);
+    EXPECT_EQ(doc->szSpectrumID, "huge");
+    EXPECT_EQ(doc->lChannels, 4);
+    EXPECT_EQ(doc->lCounts[3], 4);
 }
 
 TEST(OpenSpectrum, MissingFileChangesNeitherNameNorSource) {

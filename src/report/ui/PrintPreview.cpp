@@ -56,11 +56,13 @@ PrintPreview::PrintPreview(Steps steps, Messages& messages, QWidget* parent)
             m_messages.critical("The report could not be printed.");
     });
     connect(m_browser->page(), &QWebEnginePage::pdfPrintingFinished, this,
-            [this](const QString& file, bool saved) {
+            [this](const QString&, bool printed) {
                 setPrintingEnabled(true);
+                const bool saved = FinishPdf(m_pdfTarget, printed, nullptr);
                 if (!saved)
-                    m_messages.critical("The report could not be saved as " + file.toStdString());
-                emit pdfSaved(file, saved);
+                    m_messages.critical("The report could not be saved as " +
+                                        m_pdfTarget.toStdString());
+                emit pdfSaved(m_pdfTarget, saved);
             });
 
     m_browser->setUrl(QUrl("about:blank"));
@@ -115,7 +117,8 @@ void PrintPreview::cmdSavePdf() {
 
 void PrintPreview::saveAsPdf(const QString& file) {
     setPrintingEnabled(false);
-    m_browser->page()->printToPdf(file, ReportPageLayout());
+    m_pdfTarget = file;
+    m_browser->page()->printToPdf(PdfTempFile(file), ReportPageLayout());
 }
 
 } // namespace vexo

@@ -61,6 +61,7 @@ private:
     QPushButton* m_cmdClose = nullptr;
     std::unique_ptr<QPrinter> m_printer; // lives until the component has printed
     QString m_pdfDefault;                // where Save as PDF proposes to write
+    QString m_pdfTarget;                 // the PDF being printed (to its temporary file)
     bool m_reportRequested = false;
 };
 

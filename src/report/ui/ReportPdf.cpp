@@ -5,11 +5,28 @@
 #include <QTimer>
 #include <QWebEnginePage>
 
+#include "base/ReplaceFile.h"
+
 namespace vexo {
 
 QPageLayout ReportPageLayout() {
     return QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
                        QMarginsF(15.0, 15.0, 15.0, 15.0), QPageLayout::Millimeter);
+}
+
+QString PdfTempFile(const QString& pdfFile) {
+    return QString::fromStdString(TempFileFor(pdfFile.toStdString()).string());
+}
+
+bool FinishPdf(const QString& pdfFile, bool printed, std::string* error) {
+    const std::filesystem::path temp = PdfTempFile(pdfFile).toStdString();
+    if (!printed) {
+        DiscardTempFile(temp);
+        if (error)
+            *error = "the PDF file could not be written";
+        return false;
+    }
+    return ReplaceFileWith(temp, pdfFile.toStdString(), error);
 }
 
 PdfResult PrintPageToPdf(const QUrl& url, const QString& pdfFile, int timeoutMs) {
@@ -25,12 +42,12 @@ PdfResult PrintPageToPdf(const QUrl& url, const QString& pdfFile, int timeoutMs)
         }
         result.error =
             "printing to PDF did not finish within " + std::to_string(timeoutMs / 1000) + " s";
-        page.printToPdf(pdfFile, ReportPageLayout());
+        page.printToPdf(PdfTempFile(pdfFile), ReportPageLayout());
     });
     QObject::connect(&page, &QWebEnginePage::pdfPrintingFinished, &loop,
                      [&](const QString&, bool printed) {
-                         result.ok = printed;
-                         result.error = printed ? "" : "the PDF file could not be written";
+                         result.error.clear();
+                         result.ok = FinishPdf(pdfFile, printed, &result.error);
                          loop.quit();
                      });
     QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);

@@ -21,6 +21,7 @@
 #include "device/ScopeController.h"
 #include "device/ui/Settings.h"
 #include "plot/ui/SpectrumPlot.h"
+#include "shell/MeasurementCheckpoint.h"
 #include "shell/ui/PlotAppearance.h"
 #include "shell/ui/QtMessages.h"
 #include "spectrum/CountRate.h"
@@ -75,11 +76,15 @@ void TopLevel::startUp() {
         p->setYScale(static_cast<YScale>(std::clamp(m_settings.SpctScaleMode, 0, 2)));
         p->setGraphType(m_settings.SpctGraphType);
     }
+    m_checkpoint = std::make_unique<MeasurementCheckpoint>(m_appDir, *m_messages);
     createControllers();
     RefreshMainWindow(RefreshCode::All);
     RefreshMainWindow(RefreshCode::OptionsBatch);
     DisplaySpectrum();
     UpdateInfo();
+    // A measurement that a crash kept from being saved.
+    if (m_checkpoint->offerRecovery(m_doc, m_rois))
+        showOpenedSpectrum();
     if (m_settings.OpenLastDetectorUsed)
         startAutoConnect();
 }

@@ -32,6 +32,7 @@ class AutoConnect;
 class BatchController;
 class ConnectionController;
 class DeviceLibrary;
+class MeasurementCheckpoint;
 class Messages;
 class PrintPreview;
 class QtMessages;
@@ -152,6 +153,7 @@ private:
     void tmrConnect();
     void applyXUnit(const AxisSetup& setup);
     void addRecentFile(const QString& path);
+    void showOpenedSpectrum(); // title, state and plots after Open or a recovery
     void rebuildRecentMenu();
     bool needDevice();
 
@@ -189,6 +191,7 @@ private:
     std::unique_ptr<BatchController> m_batch;
     std::unique_ptr<ScopeController> m_scope;
     std::unique_ptr<AutoConnect> m_autoConnect;
+    std::unique_ptr<MeasurementCheckpoint> m_checkpoint;
 
     QPointer<frmAutoConnect> m_frmAutoConnect;
     QPointer<calib> m_calib;

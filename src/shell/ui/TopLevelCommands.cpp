@@ -14,6 +14,7 @@
 #include "device/ExternalProcessing.h"
 #include "plot/ui/SpectrumPlot.h"
 #include "roi/RoiFile.h"
+#include "shell/MeasurementCheckpoint.h"
 #include "shell/ui/PlotAppearance.h"
 #include "shell/ui/TopLevel.h"
 #include "shell/ui/frmPref.h"
@@ -55,11 +56,16 @@ bool TopLevel::openSpectrum(const QString& path) {
         DisplaySpectrum(); // the ROIs and calibration were reset before reading
         return false;
     }
+    showNotice(QString::fromStdString(r.notice)); // reading on regardless, as always
+    addRecentFile(path);
+    showOpenedSpectrum();
+    return true;
+}
+
+void TopLevel::showOpenedSpectrum() {
     if (m_acq)
         m_acq->fileOpened();
     m_shown = SpectrumShown::File;
-    showNotice(QString::fromStdString(r.notice)); // reading on regardless, as always
-    addRecentFile(path);
     m_zoom = {false, 0, m_doc.lChannels - 1};
     m_plot42->clearMarkedRange(); // a mark made on the previous spectrum
     for (RefreshCode code : kOpenRefreshCodes)
@@ -68,7 +74,6 @@ bool TopLevel::openSpectrum(const QString& path) {
         Calibrate(); // the axis follows the new calibration
     DisplaySpectrum();
     UpdateInfo();
-    return true;
 }
 
 bool TopLevel::saveSpectrum(const QString& path) {
@@ -86,6 +91,7 @@ bool TopLevel::saveAllSpectrum(const QString& path) {
     }
     if (!SaveAllSpectrum(m_doc, path.toStdString(), *m_messages))
         return false;
+    m_checkpoint->saved(m_doc);
     addRecentFile(path);
     return true;
 }

@@ -19,6 +19,7 @@
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
 #include "plot/ui/SpectrumPlot.h"
+#include "shell/MeasurementCheckpoint.h"
 #include "shell/ui/TopLevel.h"
 
 #include <QProgressBar>
@@ -64,6 +65,7 @@ void TopLevel::createControllers() {
         if (update.statusPolled && m_settingsWindow)
             m_settingsWindow->setHVState(m_acq->hvState());
         showAcquisitionTexts();
+        m_checkpoint->tick(m_doc, m_acq->bAcqActive());
     };
     // The same clean-up as Disconnect: the device windows would talk to a closed handle.
     ah.connectionLost = [this] {
@@ -115,6 +117,10 @@ void TopLevel::createControllers() {
         RememberBatchDir(m_settings, dir, m_appDir, *m_messages);
     };
     bh.processSettings = [this] { return ProcessSettingsFrom(m_settings); };
+    bh.fileSaved = [this](const std::string&, bool saved) {
+        if (saved)
+            m_checkpoint->saved(m_doc);
+    };
     m_batch = std::make_unique<BatchController>(*m_acq, WithTrailingSeparator(ExecutableDir()), bh);
     m_scope = std::make_unique<ScopeController>(*m_lib, m_doc);
 

@@ -27,6 +27,7 @@
 #include "device/ui/frmDeviceInfo.h"
 #include "device/ui/frmDevices.h"
 #include "roi/RoiReadout.h"
+#include "shell/MeasurementCheckpoint.h"
 #include "shell/ui/TopLevel.h"
 #include "spectrum/ui/calib.h"
 
@@ -69,7 +70,11 @@ class DeviceWindowsTest : public QObject, public UiFixture {
 
 private slots:
     void initTestCase() { QVERIFY(setUp()); }
-    void init() { m_messages.clear(); }
+    void init() {
+        m_messages.clear();
+        // A run the test before left unsaved would be offered for recovery.
+        std::filesystem::remove(dir() / kCheckpointFile);
+    }
 
     void connectStartTickStopSaveAllReopen() {
         TopLevel w(dir(), &m_messages);
@@ -416,6 +421,31 @@ private slots:
         QVERIFY(w.acquisition()->bAcqActive());
         QCOMPARE(m_messages.shown().size(), std::size_t(1)); // nothing more to report
         w.close();
+    }
+
+    // A crash (the window gone without a save) loses nothing: the next start offers the
+    // run's checkpoint and reopens exactly the spectrum it held.
+    void crashedMeasurementIsOffered() {
+        auto w = std::make_unique<TopLevel>(dir(), &m_messages);
+        pickFirstDeviceSoon();
+        w->connectDevice();
+        QVERIFY(w->document().hDevice != 0);
+        w->startAcquisition();
+        for (int i = 0; i < 4; ++i)
+            w->acquisition()->tick();
+        w->stopAcquisition();
+        w->acquisition()->tick(); // the pass that finds the run ended
+        const auto kept = std::make_unique<SpectrumDocument>(w->document());
+        w.reset();
+        m_messages.queueAnswer(MsgAnswer::Yes);
+        TopLevel again(dir(), &m_messages);
+        QCOMPARE(m_messages.shown().size(), std::size_t(1));
+        QVERIFY(m_messages.shown()[0].text.rfind("Recover the measurement of ", 0) == 0);
+        const SpectrumDocument& doc = again.document();
+        QCOMPARE(doc.lChannels, kept->lChannels);
+        QVERIFY(std::equal(doc.lCounts.begin(), doc.lCounts.begin() + doc.lChannels,
+                           kept->lCounts.begin()));
+        QCOMPARE(doc.sngLiveTime, kept->sngLiveTime);
     }
 
     void batchOfTwoSavesTwoFiles() {

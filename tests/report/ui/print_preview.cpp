@@ -103,9 +103,9 @@ private slots:
         TopLevel w(dir(), &m_messages);
         QVERIFY(w.openSpectrum(writeSpectrumWithRois()));
         std::ofstream(dir() / "print.html", std::ios::binary) << "good page";
-        std::filesystem::create_directory(dir() / "print.html.tmp");
+        std::filesystem::create_directory(dir() / ".print.html.tmp");
         QVERIFY(printAndWait(w));
-        std::filesystem::remove(dir() / "print.html.tmp");
+        std::filesystem::remove(dir() / ".print.html.tmp");
         QCOMPARE(m_messages.shown().size(), std::size_t(1));
         QVERIFY(QString::fromStdString(m_messages.shown()[0].text)
                     .startsWith("Cannot write the report "));

@@ -115,10 +115,10 @@ bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, s
     if (std::filesystem::exists(old) && !std::filesystem::is_regular_file(old))
         return WriteStream(file, bytes, false, error);
     const std::filesystem::path temp = TempFileFor(file);
-    if (!WriteStream(temp, bytes, flushToDisk, error)) {
-        DiscardTempFile(temp);
+    // A write that fails part-way leaves what it wrote in the temporary file, beside the
+    // untouched old file; the next write of the same file replaces it.
+    if (!WriteStream(temp, bytes, flushToDisk, error))
         return false;
-    }
     // Best effort: a file system without permissions (FAT) still gets the content.
     if (std::filesystem::exists(old))
         std::filesystem::permissions(temp, old.permissions(), ec);

@@ -34,7 +34,8 @@ FileBytes ReadFileBytes(const std::filesystem::path& path, std::size_t maxBytes)
 // reaches the disk before the rename, so that even a power cut leaves the old or the new
 // file (it costs milliseconds; measurements pay it). Anything else that exists (a device
 // such as /dev/null, a pipe) is written in place. On failure returns false and sets
-// `error` to the system's description ("No space left on device").
+// `error` to the system's description ("No space left on device"); what a write that
+// failed part-way had written stays on disk in the temporary file.
 bool WriteFileBytes(const std::filesystem::path& path, std::string_view bytes, std::string* error,
                     bool flushToDisk = false);
 
